@@ -1,0 +1,207 @@
+# zelk-config and the example tool, run on the example installation (and on broken ones) with
+# their exit status and output checked by tools/check-output.cmake.
+# The index of element positions is tested on its own, with the tool's source file.
+if(TARGET tools_zelk-config_RegistryIndexTest)
+  target_sources(tools_zelk-config_RegistryIndexTest PRIVATE
+    ${PROJECT_SOURCE_DIR}/tools/zelk-config/RegistryIndex.cpp)
+  target_include_directories(tools_zelk-config_RegistryIndexTest PRIVATE
+    ${PROJECT_SOURCE_DIR}/tools/zelk-config)
+endif()
+
+if(NOT ZELK_BUILD_TOOLS)
+  return()
+endif()
+
+set(ZELK_TOOL_DATA ${CMAKE_CURRENT_SOURCE_DIR}/tools/zelk-config/data)
+set(ZELK_TOOL_EXPECTED ${CMAKE_CURRENT_SOURCE_DIR}/tools/zelk-config/expected)
+set(ZELK_EXAMPLE_INSTALLATION ${PROJECT_SOURCE_DIR}/examples/installation)
+
+# zelk_output_test(<name> <status> COMMAND <word>... [EXPECTED <file>] [MATCH <regex>...]
+#                  [NO_MATCH <regex>])
+function(zelk_output_test name status)
+  cmake_parse_arguments(PARSE_ARGV 2 test "" "EXPECTED;NO_MATCH" "COMMAND;MATCH")
+  list(JOIN test_COMMAND "|" command)
+  set(arguments -DCOMMAND=${command} -DSTATUS=${status}
+    -DSOURCE_DIR=${PROJECT_SOURCE_DIR} -DBINARY_DIR=${PROJECT_BINARY_DIR})
+  if(test_EXPECTED)
+    list(APPEND arguments -DEXPECTED=${test_EXPECTED})
+  endif()
+  set(suffixes "" 2 3)
+  foreach(pattern IN LISTS test_MATCH)
+    list(POP_FRONT suffixes suffix)
+    list(APPEND arguments "-DMATCH${suffix}=${pattern}")
+  endforeach()
+  if(DEFINED test_NO_MATCH)
+    list(APPEND arguments "-DNO_MATCH=${test_NO_MATCH}")
+  endif()
+  add_test(NAME ${name}
+    COMMAND ${CMAKE_COMMAND} ${arguments} -P ${CMAKE_CURRENT_SOURCE_DIR}/tools/check-output.cmake
+    WORKING_DIRECTORY ${PROJECT_SOURCE_DIR})
+  set_tests_properties(${name} PROPERTIES LABELS tools)
+endfunction()
+
+set(zc $<TARGET_FILE:zelk-config>)
+set(example -installation ${ZELK_EXAMPLE_INSTALLATION})
+
+# Its own command line, parsed by the library.
+zelk_output_test(zelk-config.own-help 0 COMMAND ${zc} -help -width 80
+  MATCH "Usage: zelk-config.*\\(-check \\| -list \\| -usage \\| -help \\| -show \\| -values\\)"
+  MATCH "-registry file +A registry file to check")
+zelk_output_test(zelk-config.no-arguments 2 COMMAND ${zc}
+  MATCH "^Usage: zelk-config")
+zelk_output_test(zelk-config.unknown-flag 2 COMMAND ${zc} -check -bogus
+  MATCH "zelk-config: \"bogus\" is not a recognized parameter")
+zelk_output_test(zelk-config.ambiguous-flag 2 COMMAND ${zc} -value
+  MATCH "The flag \"value\" is ambiguous, matching the following allowed flags: values, valueFile")
+zelk_output_test(zelk-config.two-commands 2 COMMAND ${zc} -check -list
+  MATCH "The \"check\" and \"list\" parameters are mutually exclusive")
+zelk_output_test(zelk-config.no-command 2 COMMAND ${zc} -spec zbackup
+  MATCH "You must provide one of the following flags: check, list, usage, help, show, values")
+zelk_output_test(zelk-config.values-without-specification 2 COMMAND ${zc} -values
+  MATCH "zelk-config: -values needs -specification")
+zelk_output_test(zelk-config.bad-width 2 COMMAND ${zc} -help -width ten
+  MATCH "\"ten\" is not a valid UInt32")
+zelk_output_test(zelk-config.narrow-width 2 COMMAND ${zc} -help -width 5
+  MATCH "the width must be from 20 to 1000")
+zelk_output_test(zelk-config.wide-width 2 COMMAND ${zc} -help -width 4000000000
+  MATCH "the width must be from 20 to 1000")
+
+# The example installation: clean, listed, helped, shown.
+zelk_output_test(zelk-config.check-example 0 COMMAND ${zc} -check ${example}
+  EXPECTED ${ZELK_TOOL_EXPECTED}/check-example.txt)
+zelk_output_test(zelk-config.check-default-installation 0 COMMAND ${zc} -check
+  MATCH "^No problems found in 2 registry files\\.")
+zelk_output_test(zelk-config.list 0 COMMAND ${zc} -list ${example} -width 80
+  EXPECTED ${ZELK_TOOL_EXPECTED}/list.txt)
+zelk_output_test(zelk-config.usage 0 COMMAND ${zc} -usage -spec zbackup ${example}
+  EXPECTED ${ZELK_TOOL_EXPECTED}/usage-zbackup.txt)
+zelk_output_test(zelk-config.help 0 COMMAND ${zc} -help -spec zbackup ${example} -width 80
+  MATCH "^zbackup - backs up a zelk object database"
+  MATCH "-destination host::path +Where the backup is written"
+  MATCH "-object oid +An object to back up, with everything it references\\."
+  NO_MATCH "traceLocks")
+zelk_output_test(zelk-config.help-from-plug-in 0 COMMAND ${zc} -help -spec zverify ${example}
+  MATCH "-maxErrors count +Stops after this many errors"
+  NO_MATCH "dumpPages")
+zelk_output_test(zelk-config.show 0 COMMAND ${zc} -show -spec zexport ${example}
+  MATCH "id: \"zexport\""
+  MATCH "One Of")
+zelk_output_test(zelk-config.unknown-specification 1 COMMAND ${zc} -help -spec nosuch ${example}
+  MATCH "zelk-config: The \"nosuch\" specification was not found")
+
+# Values: merged from the command line, a value file and the machine file, with their sources.
+zelk_output_test(zelk-config.values 0
+  COMMAND ${zc} -values -spec zbackup ${example} -valueFile backup-nightly.xml
+          -- -destination backup2::/spare -verbose
+  EXPECTED ${ZELK_TOOL_EXPECTED}/values-zbackup.txt)
+zelk_output_test(zelk-config.values-unbounded-containers 0
+  COMMAND ${zc} -values -spec zexport ${example} -valueFile export-customers.xml
+          -- -className Order
+  MATCH "className \\(string, unbounded\\) = Order \\[command line\\], Customer \\[export-customers.xml\\], Address \\[export-customers.xml\\]"
+  MATCH "  column\n    attribute \\(string\\) = city  \\[export-customers.xml\\]\n    width \\(uint32\\) = 20"
+  MATCH "timeout \\(double\\) = 30  \\[default\\]")
+zelk_output_test(zelk-config.values-without-machine-file 0
+  COMMAND ${zc} -values -spec zverify ${example} -noMachineConfig -- -database sales
+  MATCH "maxErrors \\(int32\\) = -1  \\[default\\]")
+zelk_output_test(zelk-config.values-flag-inside-container 0
+  COMMAND ${zc} -values -spec zbackup ${example} -noMachineConfig
+          -- -database a -destination b::c -mailTo x@y
+  MATCH "\n  mailTo \\(string\\) = x@y  \\[command line\\]  \\(not read here: it belongs in \"notify\"\\)\n$"
+  NO_MATCH "\n  notify\n")
+zelk_output_test(zelk-config.values-missing 1
+  COMMAND ${zc} -values -spec zbackup ${example} -- -verbose
+  MATCH "^zelk-config: A required flag was not specified. You must provide one of the following flags: database, destination\n$")
+zelk_output_test(zelk-config.values-several-errors 1
+  COMMAND ${zc} -values -spec zbackup ${example} -- -database a -destination b::c -all -object 1-2-3-4 -retries 1 -retries 2
+  MATCH "zelk-config: The \"retries\" parameter cannot be provided more than once")
+zelk_output_test(zelk-config.values-one-of 1
+  COMMAND ${zc} -values -spec zbackup ${example} -- -database a -destination b::c -all -object 1-2-3-4
+  MATCH "The \"all\" and \"object\" parameters are mutually exclusive")
+zelk_output_test(zelk-config.values-validator 1
+  COMMAND ${zc} -values -spec zbackup ${example} -- -database a -destination ::c
+  MATCH "zelk-config: destination: \"::c\" is rejected by the \"storageLocation\" validator: Value is not properly formatted")
+zelk_output_test(zelk-config.values-bad-number-in-file 1
+  COMMAND ${zc} -values -spec zbackup ${example} -valueFile ${ZELK_TOOL_DATA}/bad-retries.xml
+  MATCH "zelk-config: retries: \"many\" is not a valid UInt32")
+zelk_output_test(zelk-config.values-malformed-file 1
+  COMMAND ${zc} -values -spec zbackup ${example} -valueFile ${ZELK_TOOL_DATA}/malformed.xml
+  MATCH "zelk-config: .*line 4, column 1")
+zelk_output_test(zelk-config.values-unknown-attribute 1
+  COMMAND ${zc} -values -spec zbackup ${example} -valueFile ${ZELK_TOOL_DATA}/unknown-attribute.xml
+  MATCH "zelk-config: \"colour\" is not a recognized parameter")
+zelk_output_test(zelk-config.values-missing-file 1
+  COMMAND ${zc} -values -spec zbackup ${example} -valueFile nosuch.xml
+  MATCH "zelk-config: File \"@SOURCE_DIR@/examples/installation/config/nosuch.xml\" was not found")
+zelk_output_test(zelk-config.values-unknown-specification 1
+  COMMAND ${zc} -values -spec nosuch ${example}
+  MATCH "zelk-config: The \"nosuch\" specification was not found")
+zelk_output_test(zelk-config.values-help 0
+  COMMAND ${zc} -values -spec zbackup ${example} -- -help
+  MATCH "help \\(bool\\) = true  \\[command line\\]")
+
+# Installations that are missing or broken.
+zelk_output_test(zelk-config.missing-installation 1
+  COMMAND ${zc} -list -installation ${ZELK_TOOL_DATA}/nosuch
+  MATCH "^zelk-config: the installation directory \"@SOURCE_DIR@/tests/tools/zelk-config/data/nosuch\" was not found\n$")
+zelk_output_test(zelk-config.no-main-registry 1
+  COMMAND ${zc} -check -installation ${ZELK_TOOL_DATA}
+  MATCH "Unable to find the zelk.crg file. Looked in the etc directory \"@SOURCE_DIR@/tests/tools/zelk-config/data/etc\"")
+zelk_output_test(zelk-config.check-broken 1
+  COMMAND ${zc} -check -installation tests/tools/zelk-config/data/broken
+  EXPECTED ${ZELK_TOOL_EXPECTED}/check-broken.txt)
+zelk_output_test(zelk-config.list-broken 1
+  COMMAND ${zc} -list -installation ${ZELK_TOOL_DATA}/broken
+  MATCH "zelk-config: the installation does not load"
+  MATCH "run \"zelk-config -check\"")
+zelk_output_test(zelk-config.check-named-files 1
+  COMMAND ${zc} -check -registry examples/installation/plugins/zverify/zverify.crg
+  MATCH "^examples/installation/plugins/zverify/zverify.crg:[0-9]+:7: Parameter \"help\" was not found\n1 problem found in 1 registry file\\.\n$")
+zelk_output_test(zelk-config.check-unused-and-hidden 1
+  COMMAND ${zc} -check -registry examples/installation/etc/zelk.crg
+          -registry tests/tools/zelk-config/data/unused.crg
+  MATCH "^tests/tools/zelk-config/data/unused.crg:7:5: parameter \"spare\" is not used by any specification\n"
+  MATCH "\ntests/tools/zelk-config/data/unused.crg:12:7: hidden has no effect on a one-of: mark its members hidden instead\n2 problems found in 2 registry files\\.\n$")
+zelk_output_test(zelk-config.check-missing-file 1
+  COMMAND ${zc} -check -registry nosuch.crg
+  MATCH "^nosuch.crg: File \"nosuch.crg\" was not found\n1 problem found in 1 registry file\\.\n$")
+
+# The example tool: every value type, help, a listener, and its errors.
+set(zbackup $<TARGET_FILE:backup-tool>)
+zelk_output_test(example.nightly-dry-run 0
+  COMMAND ${zbackup} -loadConfiguration backup-nightly.xml -dryRun
+  EXPECTED ${ZELK_TOOL_EXPECTED}/example-nightly.txt)
+zelk_output_test(example.every-type 0
+  COMMAND ${zbackup} -database sales -destination b1::/x -mode differential -compression none
+          -object 3-2-5-1 -object 7 -sinceTransaction 77 -baseBackup b1::/base -priority 5
+          -maxSize 1000 -timeout 2.5 -verbose -logLevel debug
+  MATCH "mode: differential \\(2\\)\n  compression: none \\(level 0\\)\n  object: 3-2-5-1 \\(database 3, container 2, page 5, slot 1\\)\n  object: 7 \\(database 7, container 0, page 0, slot 0\\)"
+  MATCH "changes since transaction 77, on top of b1::/base\n  retries: 4, priority: 5, maximum size: 1000 bytes, lock timeout: 2.5 s\n  dry run: no, verbose: yes, log level: debug"
+  NO_MATCH "listener")
+zelk_output_test(example.help 0 COMMAND ${zbackup} -help
+  MATCH "^zbackup - backs up a zelk object database\n"
+  MATCH "-compression compression +How hard to compress the backup"
+  NO_MATCH "traceLocks")
+zelk_output_test(example.missing-values 2 COMMAND ${zbackup} -verbose
+  MATCH "zbackup: A required flag was not specified. You must provide one of the following flags: database, destination\nUsage: zbackup")
+zelk_output_test(example.bad-destination 2 COMMAND ${zbackup} -database a -destination host::
+  MATCH "zbackup: destination: Value is not properly formatted")
+zelk_output_test(example.bad-enumeration 2 COMMAND ${zbackup} -database a -destination h::d -mode weekly
+  MATCH "The value \"weekly\" is not valid for the \"mode\" parameter. Allowed values for this parameter are: full, incremental and differential.")
+
+# The installed package: zelk-config, the example installation and the example tool built on its
+# own against find_package(ZelkConfiguration).
+if(ZELK_INSTALL)
+  set(ZELK_TOOLS_SANITIZER_FLAGS "")
+  if(ZELK_SANITIZE)
+    set(ZELK_TOOLS_SANITIZER_FLAGS "-fsanitize=address,undefined")
+  endif()
+  add_test(NAME installed-example
+    COMMAND ${CMAKE_COMMAND}
+      -DBINARY_DIR=${PROJECT_BINARY_DIR}
+      -DSOURCE_DIR=${PROJECT_SOURCE_DIR}
+      -DWORK_DIR=${CMAKE_CURRENT_BINARY_DIR}/installed-example
+      -DGENERATOR=${CMAKE_GENERATOR}
+      -DSANITIZER_FLAGS=${ZELK_TOOLS_SANITIZER_FLAGS}
+      -P ${CMAKE_CURRENT_SOURCE_DIR}/tools/installed-example.cmake)
+  set_tests_properties(installed-example PROPERTIES LABELS "tools;package")
+endif()

@@ -1,0 +1,191 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "ValueTestModel.h"
+#include "zelk/configuration/ConfigurationListener.h"
+#include "zelk/configuration/ValueGroup.h"
+#include "zelk/configuration/impl/ListenerManager.h"
+#include "zelk/configuration/impl/ValueState.h"
+
+namespace zelk::configuration {
+namespace {
+
+using zelk::test::contractOf;
+
+// Records every notification as "event:name" (old text after '=' for changes).
+class RecordingListener : public ConfigurationListener {
+public:
+  ~RecordingListener() override {}
+
+  void onValueAdded(const ParameterRef*, const ValueAddedArguments& args) override {
+    events.push_back(std::string("added:") + args.mValue->getName());
+  }
+  void onValueChanged(const ParameterRef*, const ValueChangedArguments& args) override {
+    std::string old = "<none>";
+    if (!args.mOldValue.isNull() && args.mOldValue.hasValue()) {
+      old = args.mOldValue.asString();
+    }
+    events.push_back(std::string("changed:") + args.mValue->getName() + "=" + old);
+  }
+  void onValueRemoved(const ParameterRef*, const ValueRemovedArguments& args) override {
+    events.push_back(std::string("removed:") + args.mValue->getName());
+  }
+  void onValueGroupAdded(const Container* container,
+                         const ValueGroupAddedArguments& args) override {
+    events.push_back(std::string("groupAdded:") + container->getId() + "/" +
+                     args.mValueGroup->getName());
+  }
+  void onValueGroupRemoved(const Container* container,
+                           const ValueGroupRemovedArguments& args) override {
+    events.push_back(std::string("groupRemoved:") + container->getId() + "/" +
+                     args.mValueGroup->getName());
+  }
+
+  std::vector<std::string> events;
+};
+
+class ConfigurationListenerTest : public ::testing::Test {
+protected:
+  ConfigurationListenerTest() : listeners(impl::ListenerManager::getInstance()) {
+    listeners->reset();
+  }
+  ~ConfigurationListenerTest() override { listeners->reset(); }
+
+  zelk::test::ValueTestModel model;
+  impl::ListenerManager* listeners;
+};
+
+TEST_F(ConfigurationListenerTest, RegistrationReportsChangesOnly) {
+  RecordingListener listener;
+  EXPECT_TRUE(listener.startListeningTo(model.spec));
+  EXPECT_FALSE(listener.startListeningTo(model.spec));
+  EXPECT_TRUE(listener.startListeningTo(model.port));
+  EXPECT_EQ(2u, listeners->getListenerCount());
+  EXPECT_FALSE(listener.stopListeningTo(model.db));
+  EXPECT_TRUE(listener.stopListeningTo(model.port));
+  EXPECT_FALSE(listener.stopListeningTo(model.port));
+  EXPECT_EQ(1u, listeners->getListenerCount());
+
+  EXPECT_EQ("Contract violation: \"specification != 0\"@ConfigurationListener",
+            contractOf([&] { listener.startListeningTo(static_cast<const Specification*>(0)); }));
+  EXPECT_EQ("Contract violation: \"container != 0\"@ConfigurationListener",
+            contractOf([&] { listener.stopListeningTo(static_cast<const Container*>(0)); }));
+  EXPECT_EQ("Contract violation: \"parameterRef != 0\"@ConfigurationListener",
+            contractOf([&] { listener.startListeningTo(static_cast<const ParameterRef*>(0)); }));
+  EXPECT_EQ("Contract violation: \"groupItem != 0\"@impl/ListenerManager",
+            contractOf([&] { listeners->addListener(&listener, 0); }));
+  EXPECT_EQ("Contract violation: \"listener != 0\"@impl/ListenerManager",
+            contractOf([&] { listeners->removeListener(0, model.port); }));
+}
+
+TEST_F(ConfigurationListenerTest, OnlyTheNearestWatchedItemHearsAnEvent) {
+  RecordingListener onSpec;
+  RecordingListener onPort;
+  onSpec.startListeningTo(model.spec);
+
+  ValueGroup root(model.spec);
+  root.complete();
+  root.addValue("port", "1");
+  ValueGroup db = root.addGroup("db");
+  db.addValue("host", "h");
+  EXPECT_EQ((std::vector<std::string>{"added:port", "groupAdded:db/db", "added:host"}),
+            onSpec.events);
+
+  EXPECT_TRUE(listeners->hasListeners(model.host));
+  EXPECT_EQ(1u, listeners->getListenerCount(model.port));
+  onPort.startListeningTo(model.port);
+  root.getValue("port").set(2);
+  EXPECT_EQ((std::vector<std::string>{"changed:port=1"}), onPort.events);
+  EXPECT_EQ(3u, onSpec.events.size());  // the nearer listener took the event
+
+  onPort.stopListeningTo(model.port);
+  root.getValue("port").set(3);
+  EXPECT_EQ("changed:port=2", onSpec.events.back());
+  EXPECT_EQ(1u, onPort.events.size());
+  EXPECT_EQ(1u, listeners->getListenerCount(model.port));  // falls back to the specification
+}
+
+TEST_F(ConfigurationListenerTest, AddsChangesAndRemovalsOfCompleteTreesAreAnnounced) {
+  RecordingListener listener;
+  listener.startListeningTo(model.spec);
+
+  ValueGroup incomplete(model.spec);
+  incomplete.addValue("port", "1");
+  incomplete.getValue("port").set(2);
+  incomplete.remove("port");
+  EXPECT_TRUE(listener.events.empty());  // nothing for an incomplete tree
+
+  ValueGroup root(model.spec);
+  ValueGroup target = root.addGroup("target");
+  root.complete();
+  UnboundedValue paths = root.addUnboundedValue("paths", "/a");
+  paths.add("/b");
+  paths.set(0, "/c");
+  Value fresh(model.name);
+  root.add(fresh);
+  fresh.set("n");
+  root.addValue("stray", "1");  // unmatched: nobody watches it
+  EXPECT_TRUE(root.remove("paths"));
+  EXPECT_TRUE(root.remove("stray"));
+  EXPECT_TRUE(root.remove("target"));
+  EXPECT_EQ((std::vector<std::string>{"added:paths", "added:paths", "changed:paths=/a",
+                                      "added:name", "changed:name=<none>", "removed:paths",
+                                      "groupRemoved:target/target"}),
+            listener.events);
+
+  // A listener on a container hears the values inside it.
+  RecordingListener onDb;
+  onDb.startListeningTo(model.db);
+  ValueGroup db = root.addGroup("db");
+  db.addValue("host", "x");
+  EXPECT_EQ((std::vector<std::string>{"groupAdded:db/db", "added:host"}), onDb.events);
+  EXPECT_EQ("groupRemoved:target/target", listener.events.back());
+}
+
+TEST_F(ConfigurationListenerTest, DestroyingAListenerUnregistersIt) {
+  {
+    RecordingListener shortLived;
+    shortLived.startListeningTo(model.spec);
+    shortLived.startListeningTo(model.db);
+    shortLived.startListeningTo(model.port);
+    EXPECT_EQ(3u, listeners->getListenerCount());
+  }
+  EXPECT_EQ(0u, listeners->getListenerCount());
+  EXPECT_FALSE(listeners->hasListeners(model.port));
+
+  ValueGroup root(model.spec);
+  root.complete();
+  root.addValue("port", "1");  // no listener left to call
+  SUCCEED();
+}
+
+// Stops listening to its item from inside the notification; the walk goes on with the others.
+class SelfRemovingListener : public RecordingListener {
+public:
+  explicit SelfRemovingListener(const ParameterRef* ref) : mRef(ref) {}
+  void onValueAdded(const ParameterRef* ref, const ValueAddedArguments& args) override {
+    RecordingListener::onValueAdded(ref, args);
+    stopListeningTo(mRef);
+  }
+
+private:
+  const ParameterRef* mRef;
+};
+
+TEST_F(ConfigurationListenerTest, ListenersMayStopListeningDuringANotification) {
+  SelfRemovingListener first(model.port);
+  SelfRemovingListener second(model.port);
+  first.startListeningTo(model.port);
+  second.startListeningTo(model.port);
+  ValueGroup root(model.spec);
+  root.complete();
+  root.addValue("port", "1");
+  EXPECT_EQ(1u, first.events.size());
+  EXPECT_EQ(1u, second.events.size());
+  EXPECT_FALSE(listeners->hasListeners(model.port));
+}
+
+}  // namespace
+}  // namespace zelk::configuration

@@ -1,0 +1,369 @@
+#include "zelk/configuration/ConfigurationRegistryLoader.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "support/TempDir.h"
+#include "support/TextFiles.h"
+#include "zelk/configuration/ConfigurationException.h"
+#include "zelk/configuration/ConfigurationManager.h"
+#include "zelk/configuration/Container.h"
+#include "zelk/configuration/EnumDefinition.h"
+#include "zelk/configuration/Group.h"
+#include "zelk/configuration/OneOf.h"
+#include "zelk/configuration/Parameter.h"
+#include "zelk/configuration/ParameterRef.h"
+#include "zelk/configuration/Specification.h"
+#include "zelk/configuration/ValidationException.h"
+#include "zelk/configuration/Value.h"
+#include "zelk/configuration/impl/ConfigurationRegistryLoaderImpl.h"
+#include "zelk/configuration/impl/Factory.h"
+#include "zelk/configuration/impl/Version.h"
+
+namespace zelk::configuration {
+namespace {
+
+using impl::Version;
+
+std::string registry(const std::string& body, const std::string& version = "1.1") {
+  return "<?xml version=\"1.0\"?>\n<ConfigurationRegistry crgSchemaVersion=\"" + version +
+         "\">\n" + body + "\n</ConfigurationRegistry>\n";
+}
+
+const char* const MODE_AND_LEVEL =
+    "<Enumerations><Enumeration id=\"mode\"><Value label=\"fast\"/><Value label=\"safe\"/>"
+    "</Enumeration></Enumerations>"
+    "<Parameters>"
+    "<Parameter id=\"level\" type=\"uint32\" description=\"The level\"/>"
+    "<Parameter id=\"mode\" type=\"enum\" enumType=\"mode\" description=\"The mode\" "
+    "default=\"safe\"/>"
+    "</Parameters>";
+
+class ConfigurationRegistryLoaderTest : public ::testing::Test {
+protected:
+  void load(const std::string& text, const std::string& name = "test.crg") {
+    const std::string path = mDir.file(name);
+    test::writeTextFile(path, text);
+    ConfigurationRegistryLoader::loadFile(path.c_str(), &mManager, 0);
+  }
+
+  // The message that loading text throws, "" when it loads; validation tells which kind.
+  std::string failure(const std::string& text, bool* validation = nullptr) {
+    try {
+      load(text);
+    } catch (const ValidationException& e) {
+      if (validation != nullptr) *validation = true;
+      return e.what();
+    } catch (const ConfigurationException& e) {
+      if (validation != nullptr) *validation = false;
+      return e.what();
+    }
+    return "";
+  }
+
+  test::TempDir mDir;
+  ConfigurationManager mManager;
+};
+
+TEST_F(ConfigurationRegistryLoaderTest, LoadsEveryElementOfTheFormat) {
+  mManager.registerDefaultValidators();
+  load(registry(
+      "<Enumerations><Enumeration id=\"mode\"><Value label=\"fast\"/><Value label=\"safe\"/>"
+      "</Enumeration></Enumerations>"
+      "<!-- comments may come between elements -->"
+      "<Parameters><Parameter id=\"level\" type=\"uint32\" description=\"The level\"/>"
+      "<Parameter id=\"mode\" name=\"Mode\" type=\"enum\" enumType=\"mode\" description=\"M\" "
+      "valueName=\"how\" default=\"safe\"/>"
+      "<Parameter id=\"where\" type=\"string\" description=\"W\" validator=\"storageLocation\"/>"
+      "</Parameters>"
+      "<Groups><Group id=\"common\" name=\"ignored\">"
+      "<ParameterRef id=\"level\" description=\"Level here\" default=\"7\"/>"
+      "<Container id=\"inner\" description=\"Inner\"/></Group></Groups>"
+      "<Specifications><Specification id=\"tool\" title=\"The tool\" description=\"A tool\">"
+      "<Container id=\"main\" name=\"Main\" description=\"Main part\">"
+      "<OneOf><ParameterRef id=\"level\"/><ParameterRef id=\"mode\"/></OneOf>"
+      "<LogicalGroup><ParameterRef id=\"level\"/><ParameterRef id=\"where\"/></LogicalGroup>"
+      "</Container><GroupRef id=\"common\"/></Specification></Specifications>"));
+
+  const EnumDefinition* mode = mManager.getEnumDefinition("mode");
+  ASSERT_NE(nullptr, mode);
+  EXPECT_EQ(1, mode->getValue("safe", nullptr));
+  const Parameter* modeParameter = dynamic_cast<const Parameter*>(mManager.getParameter("mode"));
+  ASSERT_NE(nullptr, modeParameter);
+  EXPECT_EQ(Parameter::ENUM, modeParameter->getValueType());
+  EXPECT_EQ(mode, modeParameter->getEnumDefinition());
+  EXPECT_STREQ("Mode", modeParameter->getName());
+  EXPECT_STREQ("how", modeParameter->getValueName());
+  EXPECT_EQ("safe", modeParameter->getDefaultValue().asString());
+  const Parameter* where = dynamic_cast<const Parameter*>(mManager.getParameter("where"));
+  ASSERT_NE(nullptr, where);
+  EXPECT_EQ(mManager.getValidator("storageLocation"), where->getValidator());
+
+  // The group's id is its name; without a description the id stands in.
+  GlobalItem* common = mManager.getGroup("common");
+  ASSERT_NE(nullptr, common);
+  EXPECT_STREQ("common", common->getName());
+  EXPECT_STREQ("common", common->getDescription());
+
+  const Specification* tool = mManager.getSpecification("tool");
+  ASSERT_NE(nullptr, tool);
+  EXPECT_STREQ("The tool", tool->getTitle());
+  const Container* main = tool->findContainer("main");
+  ASSERT_NE(nullptr, main);
+  ASSERT_EQ(2u, main->getNumberOfItems());
+  EXPECT_STREQ("main_oo0", main->getItem(0)->getId());
+  EXPECT_STREQ("main_lg1", main->getItem(1)->getId());
+  EXPECT_STREQ("mode",
+               dynamic_cast<const GroupItemCollection&>(*main->getItem(0)).getItem(1)->getId());
+
+  // The copy of the group's items belongs to the specification and is found by its searches.
+  const Container* copy = tool->findContainer("common");
+  ASSERT_NE(nullptr, copy);
+  EXPECT_NE(dynamic_cast<Group*>(common)->getItemsContainer(), copy);
+  const ParameterRef* copiedLevel = copy->findParameterRef("LEVEL");
+  ASSERT_NE(nullptr, copiedLevel);
+  EXPECT_STREQ("Level here", copiedLevel->getDescription());
+  EXPECT_EQ(7u, copiedLevel->getDefaultValue().asUInt32());
+  EXPECT_NE(nullptr, copy->findContainer("inner"));
+}
+
+TEST_F(ConfigurationRegistryLoaderTest, ReadsBooleanAttributesAndNumbersEnumerations) {
+  load(registry(
+      "<Enumerations><Enumeration id=\"e\"><Value label=\"a\"/><Value label=\"b\"/>"
+      "<Value label=\"c\" value=\"10\"/><Value label=\"d\"/><Value value=\"-3\" label=\"m\"/>"
+      "</Enumeration></Enumerations>"
+      "<Parameters><Parameter id=\"p\" type=\"int\" description=\"P\"/></Parameters>"
+      "<Specifications><Specification id=\"s\" description=\"S\" optional=\"1\">"
+      "<Container id=\"c1\" description=\"C\" optional=\"TRUE\" unbounded=\"True\">"
+      "<ParameterRef id=\"p\" optional=\"yes\" unbounded=\"1\" hidden=\"tRuE\"/></Container>"
+      "<Container id=\"c2\" description=\"C\" optional=\"false\" unbounded=\"2\"/>"
+      "</Specification></Specifications>"));
+  const EnumDefinition* e = mManager.getEnumDefinition("e");
+  ASSERT_NE(nullptr, e);
+  EXPECT_EQ(0, e->getValue("a", nullptr));
+  EXPECT_EQ(1, e->getValue("b", nullptr));
+  EXPECT_EQ(10, e->getValue("c", nullptr));
+  EXPECT_EQ(11, e->getValue("d", nullptr));
+  EXPECT_EQ(-3, e->getValue("m", nullptr));
+
+  const Specification* s = mManager.getSpecification("s");
+  ASSERT_NE(nullptr, s);
+  EXPECT_TRUE(s->isOptional());
+  const Container* c1 = s->findContainer("c1");
+  const Container* c2 = s->findContainer("c2");
+  ASSERT_TRUE(c1 != nullptr && c2 != nullptr);
+  EXPECT_TRUE(c1->isOptional());
+  EXPECT_TRUE(c1->isUnbounded());
+  EXPECT_FALSE(c2->isOptional());
+  EXPECT_FALSE(c2->isUnbounded());
+  const ParameterRef* p = c1->findParameterRef("p");
+  ASSERT_NE(nullptr, p);
+  EXPECT_FALSE(p->isOptional());  // "yes" is not true
+  EXPECT_TRUE(p->isUnbounded());
+  EXPECT_TRUE(p->isHidden());
+}
+
+TEST_F(ConfigurationRegistryLoaderTest, AcceptsSchemaVersionsUpToTheCurrentOne) {
+  EXPECT_EQ("", failure(registry("", "1.0")));
+  EXPECT_EQ("", failure(registry("", "1.1")));
+  EXPECT_EQ("", failure("<ConfigurationRegistry></ConfigurationRegistry>"));
+  EXPECT_EQ("", failure(registry("<Enumerations/><Parameters></Parameters><Groups />", "1.0")));
+  // Other root attributes and a namespace prefix are passed over.
+  EXPECT_EQ("", failure("<crg:ConfigurationRegistry xmlns:crg=\"urn:zelk\" crgSchemaVersion=\"1\">"
+                        "<Parameters><Parameter id=\"x\" type=\"bool\" description=\"X\"/>"
+                        "</Parameters></crg:ConfigurationRegistry>"));
+  EXPECT_NE(nullptr, mManager.getParameter("x"));
+
+  bool validation = true;
+  EXPECT_EQ("Unsupported CRG schema version 1.2. Current version: 1.1.",
+            failure(registry("", "1.2"), &validation));
+  EXPECT_FALSE(validation);
+  EXPECT_EQ("Unsupported CRG schema version 2.0. Current version: 1.1.",
+            failure(registry("", "2")));
+}
+
+TEST(VersionTest, ParsesAndComparesMajorThenMinor) {
+  EXPECT_EQ("1.1", impl::ConfigurationRegistryLoaderImpl::CURRENT_SCHEMA_VERSION.asString());
+  EXPECT_EQ("2.0", Version::parse("2").asString());
+  EXPECT_EQ("0.5", Version::parse("x.5").asString());  // a bad number counts 0
+  EXPECT_EQ("1.0", Version::parse("1.1.5").asString());
+  EXPECT_GT(Version(2, 0).compareTo(Version(1, 9)), 0);
+  EXPECT_LT(Version(1, 0).compareTo(Version(1, 1)), 0);
+  // The difference is cut to 32 bits: a huge major reads as older.
+  EXPECT_LT(Version(4294967295u, 0).compareTo(Version(1, 1)), 0);
+}
+
+TEST_F(ConfigurationRegistryLoaderTest, ResolvesReferencesOnlyAgainstWhatIsLoadedAlready) {
+  const std::string useLater =
+      "<Specifications><Specification id=\"s\" description=\"S\">"
+      "<ParameterRef id=\"later\"/></Specification></Specifications>";
+  EXPECT_EQ("Parameter \"later\" was not found", failure(registry(useLater)));
+  // The specification was registered before the failing reference and stays.
+  ASSERT_NE(nullptr, mManager.getSpecification("s"));
+  impl::Factory::destroy(mManager.getSpecification("s"), true, &mManager);
+  load(registry("<Parameters><Parameter id=\"later\" type=\"string\" description=\"L\"/>"
+                "</Parameters>"),
+       "later.crg");
+  EXPECT_EQ("", failure(registry(useLater)));
+}
+
+TEST_F(ConfigurationRegistryLoaderTest, RejectsBadContentWithItsMessage) {
+  load(registry(MODE_AND_LEVEL));
+  struct Case {
+    const char* body;
+    const char* message;
+    bool validation;  // a ValidationException rather than a plain ConfigurationException
+  } cases[] = {
+      {"<Enumerations><Enumeration id=\"mode\"/></Enumerations>",
+       "The \"mode\" enumeration has already been defined", false},
+      {"<Enumerations><Enumeration id=\"e\"/><Enumeration id=\"e\"></Enumeration></Enumerations>",
+       "The \"e\" enumeration has already been defined", false},
+      {"<Enumerations><Enumeration id=\"n\"><Value label=\"a\" value=\"1x\"/></Enumeration>"
+       "</Enumerations>",
+       "\"1x\" is not a valid integer value", false},
+      {"<Parameters><Parameter id=\"v\" type=\"string\" description=\"V\" validator=\"no\"/>"
+       "</Parameters>",
+       "The \"no\" validator was not found", false},
+      {"<Parameters><Parameter id=\"t\" type=\"Int\" description=\"T\"/></Parameters>",
+       "\"Int\" is not a recognized type", false},
+      {"<Parameters><Parameter id=\"c\" type=\"enum\" enumType=\"colour\" description=\"C\"/>"
+       "</Parameters>",
+       "The \"colour\" enumeration was not found", false},
+      {"<Specifications><Specification id=\"s\" description=\"S\"><GroupRef id=\"g\"/>"
+       "</Specification></Specifications>",
+       "Group \"g\" was not found", false},
+      // A group is not visible to its own items.
+      {"<Groups><Group id=\"self\"><ParameterRef id=\"level\"/><GroupRef id=\"self\"/></Group>"
+       "</Groups>",
+       "Group \"self\" was not found", false},
+      {"<Groups><Group id=\"g3\"><GroupRef id=\"level\"/></Group></Groups>",
+       "\"level\" is not a group", false},
+      {"<Enumerations><Enumeration><Value label=\"a\"/></Enumeration></Enumerations>",
+       "missing attribute: id", true},
+      {"<Enumerations><Enumeration id=\"v\"><Value value=\"1\"/></Enumeration></Enumerations>",
+       "missing attribute: label", true},
+      {"<Parameters><Parameter id=\"p\" description=\"P\"/></Parameters>",
+       "missing attribute: type", true},
+      {"<Parameters><Parameter id=\"p\" type=\"int\" description=\"\"/></Parameters>",
+       "missing attribute: description", true},
+      {"<Parameters><Parameter id=\"p\" type=\"enum\" description=\"P\"/></Parameters>",
+       "missing attribute: enumType", true},
+      {"<Specifications><Specification id=\"s2\" description=\"S\">"
+       "<Container id=\"c\"></Container></Specification></Specifications>",
+       "missing attribute: description", true},
+      {"<Groups><Group id=\"g4\"><ParameterRef description=\"x\"/></Group></Groups>",
+       "missing attribute: id", true},
+  };
+  for (const Case& c : cases) {
+    bool validation = !c.validation;
+    EXPECT_EQ(c.message, failure(registry(c.body), &validation)) << c.body;
+    EXPECT_EQ(c.validation, validation) << c.body;
+  }
+}
+
+TEST_F(ConfigurationRegistryLoaderTest, MalformedFilesReportWhereTheyGoWrong) {
+  bool validation = false;
+  EXPECT_EQ(
+      "Unexpected \"bogus\" at line 4, column 46 in \"" + mDir.file("test.crg") + "\"",
+      failure(registry("<Parameters>\n"
+                       "<Parameter id=\"p\" type=\"int\" description=\"P\" bogus=\"1\"/>"
+                       "</Parameters>"),
+              &validation));
+  EXPECT_TRUE(validation);
+  // Sections out of order: the Parameters section is not where the end tag is expected.
+  EXPECT_NE(std::string::npos,
+            failure(registry("<Groups/><Parameters/>"))
+                .find("Unexpected \"<Parameters\" at line 3, column 10"));
+  EXPECT_NE(std::string::npos,
+            failure(registry("<Specifications><Specification id=\"s\" description=\"S\">"
+                             "<Value label=\"x\"/></Specification></Specifications>"))
+                .find("Unexpected \"<Value\""));
+  EXPECT_NE(std::string::npos,
+            failure(registry("<Parameters><Parameter id=\"q\" type=\"int\" description=\"Q\">"
+                             "</Parameters>"))
+                .find("; expected \"/>\""));
+  // Truncated files end with a warning, never a hang.
+  EXPECT_NE(std::string::npos,
+            failure("<ConfigurationRegistry><Groups><Group id=\"g\"><Container id=\"c\" "
+                    "description=\"C\">")
+                .find("Unexpected end of file at line 1, column 80"));
+  EXPECT_NE(std::string::npos, failure("<ConfigurationRegistry><Parameters><Parameter id=\"")
+                                   .find("Unterminated quoted value"));
+  EXPECT_NE(std::string::npos, failure("").find("expected \"<ConfigurationRegistry\""));
+  EXPECT_NE(std::string::npos,
+            failure("<Registry></Registry>").find("Unexpected \"<Registry\" at line 1, column 1"));
+  EXPECT_NE(std::string::npos, failure(std::string("<ConfigurationRegistry>\xff")).find("UTF-8"));
+
+  // A registry held in memory is named as given; a missing file is not a validation error.
+  const std::string unclosed = "<ConfigurationRegistry><Groups>";
+  impl::ConfigurationRegistryLoaderImpl loader(&mManager);
+  try {
+    loader.loadBuffer(unclosed.data(), unclosed.size(), "memory", 0);
+    ADD_FAILURE() << "an unclosed section loaded";
+  } catch (const ValidationException& e) {
+    EXPECT_STREQ(
+        "Unexpected end of file at line 1, column 32 in \"memory\"; expected \"</Groups>\"",
+        e.what());
+  }
+  const std::string missing = mDir.file("missing.crg");
+  try {
+    ConfigurationRegistryLoader::loadFile(missing.c_str(), &mManager, 0);
+    ADD_FAILURE() << "a missing file loaded";
+  } catch (const ConfigurationException& e) {
+    EXPECT_EQ("File \"" + missing + "\" was not found", e.what());
+    EXPECT_EQ(-700, e.get_kind());
+  }
+}
+
+TEST_F(ConfigurationRegistryLoaderTest, BoundsNestingCopiesAndLongValues) {
+  load(registry(MODE_AND_LEVEL));
+  // Containers nested far too deep are refused with the position, without using up the stack.
+  std::string deep;
+  for (int i = 0; i < 5000; ++i) deep += "<Container id=\"c\" description=\"C\">";
+  const std::string tooDeep = failure(
+      registry("<Specifications><Specification id=\"deep\" description=\"D\">" + deep));
+  EXPECT_NE(std::string::npos, tooDeep.find("Elements are nested deeper than 256 levels at line"))
+      << tooDeep;
+
+  // A group copied at a depth where its own nesting goes past the bound is refused too.
+  std::string nested;
+  std::string closing;
+  for (int i = 0; i < 200; ++i) {
+    nested += "<Container id=\"n\" description=\"N\">";
+    closing += "</Container>";
+  }
+  load(registry("<Groups><Group id=\"tall\">" + nested + "<ParameterRef id=\"level\"/>" +
+                closing + "</Group></Groups>"),
+       "tall.crg");
+  const std::string tooTall =
+      failure(registry("<Specifications><Specification id=\"t\" description=\"T\">" + nested +
+                       "<GroupRef id=\"tall\"/>" + closing + "</Specification>"
+                       "</Specifications>"));
+  EXPECT_NE(std::string::npos, tooTall.find("nested deeper than 256 levels")) << tooTall;
+
+  // Groups that copy each other many times over cannot make the copies grow without end.
+  std::string groups = "<Groups><Group id=\"g0\">";
+  for (int i = 0; i < 100; ++i) groups += "<ParameterRef id=\"level\"/>";
+  groups += "</Group>";
+  for (int g = 1; g <= 3; ++g) {
+    groups += "<Group id=\"g" + std::to_string(g) + "\">";
+    for (int i = 0; i < 100; ++i) groups += "<GroupRef id=\"g" + std::to_string(g - 1) + "\"/>";
+    groups += "</Group>";
+  }
+  const std::string tooMany = failure(registry(groups + "</Groups>"));
+  EXPECT_NE(std::string::npos, tooMany.find("copy more than 1000000 items")) << tooMany;
+
+  // Values longer than 1024 characters are cut.
+  const std::string longText(5000, 'd');
+  load(registry("<Parameters><Parameter id=\"long\" type=\"string\" description=\"" + longText +
+                "\" default=\"" + longText + "\"/></Parameters>"),
+       "long.crg");
+  GlobalItem* parameter = mManager.getParameter("long");
+  ASSERT_NE(nullptr, parameter);
+  EXPECT_EQ(std::string(1024, 'd'), parameter->getDescription());
+  EXPECT_EQ(1024u, dynamic_cast<Parameter*>(parameter)->getDefaultValue().asString().size());
+}
+
+}  // namespace
+}  // namespace zelk::configuration

@@ -1,0 +1,202 @@
+// Several threads read typed values from one shared, complete tree while others add, set and
+// remove values and groups, and listeners hear every change. The iteration counts are fixed, so
+// the final state and the number of notifications are known exactly.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "ValueTestModel.h"
+#include "zelk/configuration/ConfigurationListener.h"
+#include "zelk/configuration/ValueGroup.h"
+#include "zelk/configuration/ValueGroupIterator.h"
+#include "zelk/configuration/ValueIterator.h"
+#include "zelk/configuration/impl/ListenerManager.h"
+#include "zelk/configuration/impl/ValueGroupItemStringGenerator.h"
+
+namespace zelk::configuration {
+namespace {
+
+const int ITERATIONS = 1500;
+
+// Counts notifications and reads the value it is told about, while the listener manager's lock
+// is held.
+class CountingListener : public ConfigurationListener {
+public:
+  ~CountingListener() override {}
+  void onValueAdded(const ParameterRef*, const ValueAddedArguments& args) override {
+    touched += args.mValue->getValueCount() > 0 ? 1 : 0;
+    ++events;
+  }
+  void onValueChanged(const ParameterRef*, const ValueChangedArguments& args) override {
+    touched += args.mOldValue.isNull() ? 0 : static_cast<int>(args.mValue->getValueCount());
+    ++events;
+  }
+  void onValueRemoved(const ParameterRef*, const ValueRemovedArguments&) override { ++events; }
+  void onValueGroupAdded(const Container*, const ValueGroupAddedArguments& args) override {
+    touched += static_cast<int>(args.mValueGroup->getItemCount());
+    ++events;
+  }
+  void onValueGroupRemoved(const Container*, const ValueGroupRemovedArguments&) override {
+    ++events;
+  }
+
+  std::atomic<int> events{0};
+  std::atomic<int> touched{0};
+};
+
+class ValueConcurrencyTest : public ::testing::Test {
+protected:
+  ValueConcurrencyTest() { impl::ListenerManager::getInstance()->reset(); }
+  ~ValueConcurrencyTest() override { impl::ListenerManager::getInstance()->reset(); }
+
+  // Runs every task on its own thread, all released at once; returns the first failure text.
+  std::string runTogether(const std::vector<std::function<void()>>& tasks) {
+    std::atomic<bool> go(false);
+    std::mutex failureMutex;
+    std::string failure;
+    std::vector<std::thread> threads;
+    for (const std::function<void()>& task : tasks) {
+      threads.emplace_back([&, task] {
+        while (!go.load()) {
+          std::this_thread::yield();
+        }
+        try {
+          task();
+        } catch (const std::exception& e) {
+          std::lock_guard<std::mutex> lock(failureMutex);
+          if (failure.empty()) {
+            failure = e.what() != 0 ? e.what() : "exception";
+          }
+        }
+      });
+    }
+    go.store(true);
+    for (std::thread& thread : threads) {
+      thread.join();
+    }
+    return failure;
+  }
+
+  zelk::test::ValueTestModel model;
+};
+
+TEST_F(ValueConcurrencyTest, ReadersWritersAndListenersShareOneTree) {
+  ValueGroup root(model.spec);
+  root.addValue("port", "1");
+  root.addValue("ratio", "0.5");
+  root.addUnboundedValue("paths", "/start");
+  root.addGroup("target").addValue("path", "/first");
+  root.complete();
+
+  CountingListener onSpec;
+  CountingListener onCount;
+  onSpec.startListeningTo(model.spec);
+
+  std::atomic<int> readsDone(0);
+  auto reader = [&] {
+    for (int i = 0; i < ITERATIONS; ++i) {
+      const int32_t port = root.getValue("port").asInt32();
+      if (port < 1 || port > ITERATIONS) {
+        throw std::runtime_error("port out of range: " + std::to_string(port));
+      }
+      if (root.getValue("ratio").asDouble() != 0.5) {
+        throw std::runtime_error("ratio changed");
+      }
+      // The entries grow with every round: walking them all each time would make the test
+      // quadratic.
+      if (i % 25 == 0) {
+        size_t entries = 0;
+        for (ValueIterator it = root.getValueIterator("paths"); it.next();) {
+          if (it.asString().empty()) {
+            throw std::runtime_error("empty path");
+          }
+          ++entries;
+        }
+        if (entries == 0) {
+          throw std::runtime_error("paths lost");
+        }
+      }
+      uint32_t count = 0;
+      if (root.tryGetValue("count", count) && count != 7) {
+        throw std::runtime_error("count is not 7");
+      }
+      for (ValueGroupIterator it = root.getValueGroupIterator("target"); it.next();) {
+        it.getCurrent().getItemCount();
+      }
+      if (i % 100 == 0) {
+        ValueGroup copy(root, 0);
+        impl::ValueGroupItemStringGenerator::getString(copy);
+      }
+      ++readsDone;
+    }
+  };
+  auto setter = [&] {
+    Value port = root.getValue("port");
+    for (int i = 1; i <= ITERATIONS; ++i) {
+      port.set(static_cast<int32_t>(i));
+    }
+  };
+  auto adderRemover = [&] {
+    UnboundedValue paths = root.getUnboundedValue("paths");
+    for (int i = 0; i < ITERATIONS; ++i) {
+      root.addValue("count", "7");
+      if (!root.remove("count")) {
+        throw std::runtime_error("count was not there");
+      }
+      ValueGroup target = root.addGroup("target");
+      target.addValue("path", "/p");
+      if (!root.remove("target")) {
+        throw std::runtime_error("no target group");
+      }
+      paths.add("/more");
+    }
+  };
+  auto listenerToggler = [&] {
+    for (int i = 0; i < ITERATIONS; ++i) {
+      onCount.startListeningTo(model.count);
+      std::this_thread::yield();
+      onCount.stopListeningTo(model.count);
+    }
+  };
+
+  const std::string failure =
+      runTogether({reader, reader, setter, adderRemover, listenerToggler});
+  EXPECT_EQ("", failure);
+  EXPECT_EQ(2 * ITERATIONS, readsDone.load());
+
+  // Each set, add and removal was announced to exactly one of the two listeners: sets of port,
+  // and per round: count added and removed, target group added, path added, target removed,
+  // paths entry added.
+  EXPECT_EQ(ITERATIONS + 6 * ITERATIONS, onSpec.events.load() + onCount.events.load());
+  EXPECT_EQ(ITERATIONS, root.getValue("port").asInt32());
+  EXPECT_EQ(static_cast<size_t>(1 + ITERATIONS), root.getUnboundedValue("paths").getValueCount());
+  EXPECT_EQ(1u, root.getItemCount("target"));
+  EXPECT_EQ(0u, root.getItemCount("count"));
+}
+
+TEST_F(ValueConcurrencyTest, ConcurrentAppendsToOneValueLoseNothing) {
+  ValueGroup group("g");
+  group.addValue("v", "0");
+  auto appender = [&] {
+    for (int i = 0; i < ITERATIONS; ++i) {
+      group.addValue("v", "1");  // joins the existing value
+    }
+  };
+  auto counter = [&] {
+    for (int i = 0; i < ITERATIONS; ++i) {
+      group.getItemCount("v");
+      group.findValueBase("v")->getValueCount();
+    }
+  };
+  EXPECT_EQ("", runTogether({appender, appender, counter}));
+  EXPECT_EQ(1u, group.getItemCount());
+  EXPECT_EQ(static_cast<size_t>(1 + 2 * ITERATIONS), group.findValueBase("v")->getValueCount());
+}
+
+}  // namespace
+}  // namespace zelk::configuration

@@ -1,0 +1,269 @@
+// Start-up on real installation trees: registry discovery, the process-wide manager's first load,
+// and enableConfiguration's providers and main-log entries. In its own executable because it
+// changes process-wide state (host directories, the default manager, the main log).
+#include "zelk/configuration/impl/ConfigurationManagerImpl.h"
+
+#include <unistd.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "support/InstallationFixture.h"
+#include "support/MainLogCapture.h"
+#include "zelk/configuration/ConfigurationException.h"
+#include "zelk/configuration/ConfigurationManager.h"
+#include "zelk/configuration/Specification.h"
+#include "zelk/configuration/ValidationException.h"
+#include "zelk/configuration/Value.h"
+#include "zelk/configuration/ValueGroup.h"
+#include "zelk/configuration/ValueProvider.h"
+#include "zelk/configuration/XmlFileValueProvider.h"
+#include "zelk/configuration/impl/ContextManager.h"
+#include "zelk/host/HostContext.h"
+#include "zelk/host/HostErrorReporter.h"
+
+namespace zelk::configuration {
+namespace {
+
+std::string registry(const std::string& body) {
+  return "<ConfigurationRegistry crgSchemaVersion=\"1.1\">" + body + "</ConfigurationRegistry>";
+}
+
+std::string parameter(const std::string& id) {
+  return "<Parameters><Parameter id=\"" + id +
+         "\" type=\"string\" description=\"D\"/></Parameters>";
+}
+
+std::string specificationUsing(const std::string& id, const std::string& parameterId) {
+  return "<Specifications><Specification id=\"" + id + "\" description=\"D\"><ParameterRef id=\"" +
+         parameterId + "\"/></Specification></Specifications>";
+}
+
+const char* const GARBAGE = "this is not a registry";
+
+// The tool's registry: flags a (bool), b and x (strings), all optional.
+const std::string TOOL_REGISTRY = registry(
+    "<Parameters><Parameter id=\"a\" type=\"bool\" description=\"A\"/>"
+    "<Parameter id=\"b\" type=\"string\" description=\"B\"/>"
+    "<Parameter id=\"x\" type=\"string\" description=\"X\"/></Parameters>"
+    "<Specifications><Specification id=\"tool\" description=\"Tool\">"
+    "<ParameterRef id=\"a\" optional=\"true\"/><ParameterRef id=\"b\" optional=\"true\"/>"
+    "<ParameterRef id=\"x\" optional=\"true\"/></Specification></Specifications>");
+
+class ConfigurationManagerStartupTest : public ::testing::Test {
+protected:
+  ~ConfigurationManagerStartupTest() override { ConfigurationManager::shutdown(); }
+
+  // The message of the ConfigurationException that call throws, "" when none.
+  template <typename Call>
+  static std::string failure(Call call) {
+    try {
+      call();
+    } catch (const ConfigurationException& e) {
+      return e.what();
+    }
+    return "";
+  }
+
+  // Each registered provider's name and priority, in registry order.
+  static std::vector<std::pair<std::string, int>> providers(ConfigurationManager& manager) {
+    std::vector<std::pair<std::string, int>> result;
+    IEnumerator<ValueProvider*>* providers = manager.getValueProviderEnumerator();
+    for (; providers->hasNext(); providers->moveNext()) {
+      result.emplace_back(providers->getCurrent()->getName(),
+                          providers->getCurrent()->getPriority());
+    }
+    delete providers;
+    return result;
+  }
+
+  static ValueProvider* commandLine(ConfigurationManager& manager) {
+    ValueProvider* found = nullptr;
+    IEnumerator<ValueProvider*>* providers = manager.getValueProviderEnumerator();
+    for (; providers->hasNext(); providers->moveNext()) {
+      if (std::string(providers->getCurrent()->getName()) == "CLI") {
+        found = providers->getCurrent();
+      }
+    }
+    delete providers;
+    return found;
+  }
+
+  static std::string fileEntry(const std::string& path, bool succeeded) {
+    return std::string("loadConfigurationFile: [") + (succeeded ? "succeeded" : "failed") +
+           "]\n [file = \"" + path + "\"]";
+  }
+
+  test::InstallationFixture mInstallation;
+  test::MainLogCapture mLog;
+};
+
+TEST_F(ConfigurationManagerStartupTest, DiscoveryLoadsTheMainRegistryFirstThenTheOthersInOrder) {
+  // The main registry's name is compared ignoring case (its suffix, like every registry's, must
+  // be ".crg" exactly); "A.crg" sorts before it but uses it.
+  mInstallation.writeEtcFile("ZELK.crg", registry(parameter("base")));
+  mInstallation.writeEtcFile("A.crg", registry(specificationUsing("fromA", "base")));
+  // Not found: the suffix is compared exactly, and the etc directory is scanned flat.
+  mInstallation.writeEtcFile("upper.CRG", GARBAGE);
+  mInstallation.writeEtcFile("sub/nested.crg", GARBAGE);
+  // The plug-ins tree is scanned at every depth, in sorted path order: a/deep/c.crg comes before
+  // b.crg, which uses what c.crg declares.
+  mInstallation.writePluginsFile("a/deep/c.crg", registry(parameter("deep")));
+  mInstallation.writePluginsFile("b.crg", registry(specificationUsing("fromB", "deep")));
+  // A second main-registry name is loaded as an ordinary file.
+  mInstallation.writePluginsFile("other/zelk.crg", registry(parameter("other")));
+
+  ConfigurationManager manager;
+  manager.loadDefaultConfigurationRegistry();
+  EXPECT_NE(nullptr, manager.getSpecification("fromA"));
+  EXPECT_NE(nullptr, manager.getSpecification("fromB"));
+  EXPECT_NE(nullptr, manager.getParameter("other"));
+  EXPECT_EQ(3u, manager.getImpl()->getNumberOfGlobalItems());
+}
+
+TEST_F(ConfigurationManagerStartupTest, WithoutTheMainRegistryNothingIsLoaded) {
+  mInstallation.writeEtcFile("sub/zelk.crg", registry(parameter("p")));
+  mInstallation.writeEtcFile("zelk.crg.old", registry(parameter("p")));
+  mInstallation.writePluginsFile("extra.crg", registry(parameter("extra")));
+  ConfigurationManager manager;
+  EXPECT_EQ("Unable to find the zelk.crg file.",
+            failure([&] { manager.loadDefaultConfigurationRegistry(); }));
+  EXPECT_EQ(0u, manager.getImpl()->getNumberOfGlobalItems());
+
+  // A directory the host does not give is not scanned.
+  test::InstallationFixture pluginsOnly(test::InstallationFixture::PLUGINS);
+  pluginsOnly.writeEtcFile("zelk.crg", registry(parameter("p")));
+  EXPECT_EQ("", impl::ConfigurationManagerImpl::getEtcDir());
+  EXPECT_EQ("Unable to find the zelk.crg file.",
+            failure([&] { manager.loadDefaultConfigurationRegistry(); }));
+}
+
+TEST_F(ConfigurationManagerStartupTest, TheFirstGetInstanceLoadsTheRegistriesOnce) {
+  mInstallation.writeEtcFile("zelk.crg", TOOL_REGISTRY);
+  mInstallation.writePluginsFile("broken.crg", registry(specificationUsing("broken", "nothing")));
+  EXPECT_EQ("Parameter \"nothing\" was not found",
+            failure([] { ConfigurationManager::getInstance(); }));
+  // Kept on purpose: the partly loaded manager is the default one and the load is not retried.
+  ConfigurationManager* instance = ConfigurationManager::getInstance();
+  EXPECT_NE(nullptr, instance->getSpecification("tool"));
+  EXPECT_NE(nullptr, instance->getSpecification("broken"));
+  EXPECT_NE(nullptr, instance->getValidator("storageLocation"));
+
+  ConfigurationManager::shutdown();
+  mInstallation.writePluginsFile("broken.crg", registry(parameter("fixed")));
+  instance = ConfigurationManager::getInstance();
+  EXPECT_NE(nullptr, instance->getParameter("fixed"));
+  EXPECT_EQ(nullptr, instance->getSpecification("broken"));
+}
+
+TEST_F(ConfigurationManagerStartupTest, EnableConfigurationBuildsProvidersInPriorityOrder) {
+  mInstallation.writeEtcFile("zelk.crg", TOOL_REGISTRY);
+  mInstallation.writeConfigFile("values.xml", "<tool b=\"from file\"/>");
+  mInstallation.writeConfigFile("machine.config", "<tool/>");
+  const std::string application = mInstallation.writeConfigFile("app/tool.config", "<tool/>");
+  ConfigurationManager* manager = ConfigurationManager::getInstance();
+
+  const char* argv[] = {"tool", "-LOADCONFIGURATION", "values.xml", "-a", "-b", "v", "-x", "y"};
+  manager->enableConfiguration(true, application.c_str(), 8, argv, "tool");
+
+  const std::vector<std::pair<std::string, int>> expected = {
+      {"CLI", 2}, {"XML_FILE", 1}, {"XML_FILE", 3}, {"XML_FILE", 4}};
+  EXPECT_EQ(expected, providers(*manager));
+  const std::vector<std::string> log = {
+      "enableConfiguration:\n [allow machine config = true]\n [application config file = \"" +
+          application + "\"]\n [command line = \"tool\", \"-LOADCONFIGURATION\", \"values.xml\", "
+                        "\"-a\", \"-b\", \"v\", \"-x\", \"y\"]",
+      fileEntry("values.xml", true),  // the name as given, not the path it was found at
+      fileEntry(application, true),
+      fileEntry(mInstallation.configDir() + "/machine.config", true)};
+  EXPECT_EQ(log, mLog.texts("Configuration")) << mLog.dump();
+
+  // The command line holds the flags without the switch and its file.
+  ValueProvider* cli = commandLine(*manager);
+  ASSERT_NE(nullptr, cli);
+  ValueGroup values = cli->getValues(*manager->getSpecification("tool"), 0x14);
+  EXPECT_TRUE(values.getValue("a").asBool());
+  EXPECT_EQ("v", values.getValue("b").asString());
+  EXPECT_EQ("y", values.getValue("x").asString());
+  EXPECT_EQ(3u, values.getItemCount());
+
+  // Every call starts over; a missing machine file takes no priority and leaves no log entry,
+  // and without a specification id the command line is dropped.
+  ::unlink((mInstallation.configDir() + "/machine.config").c_str());
+  test::MainLogCapture again;
+  manager->enableConfiguration(true, nullptr, 0, nullptr, "tool");
+  EXPECT_TRUE(providers(*manager).empty());
+  EXPECT_EQ(std::vector<std::string>{"enableConfiguration:\n [allow machine config = true]\n"
+                                     " [application config file = \"\"]\n [command line = ]"},
+            again.texts("Configuration"));
+  const char* flags[] = {"tool", "-loadConfiguration", "values.xml", "-b", "v"};
+  manager->enableConfiguration(false, "", 5, flags, nullptr);
+  EXPECT_EQ((std::vector<std::pair<std::string, int>>{{"XML_FILE", 1}}), providers(*manager));
+}
+
+TEST_F(ConfigurationManagerStartupTest, EnableConfigurationReportsBadFiles) {
+  mInstallation.writeEtcFile("zelk.crg", TOOL_REGISTRY);
+  mInstallation.writeConfigFile("broken.xml", "<tool b=\"1\"");
+  ConfigurationManager* manager = ConfigurationManager::getInstance();
+  const char* const missingValue = "Missing value for the -loadConfiguration parameter";
+  const auto enable = [&](std::vector<const char*> argv, const char* application = nullptr) {
+    return failure([&] {
+      manager->enableConfiguration(false, application, static_cast<unsigned int>(argv.size()),
+                                   argv.data(), "tool");
+    });
+  };
+  EXPECT_EQ(missingValue, enable({"tool", "-loadConfiguration"}));
+  EXPECT_EQ(missingValue, enable({"tool", "-loadConfiguration", "-x", "file.xml"}));
+  EXPECT_EQ(missingValue, enable({"tool", "-loadconfiguration", ""}));
+
+  // A bare name missing from the working directory is looked up in the configuration directory;
+  // the message names that path, the log the name as given.
+  test::MainLogCapture log;
+  EXPECT_EQ("File \"" + mInstallation.configDir() + "/nothing.xml\" was not found",
+            enable({"tool", "-loadConfiguration", "nothing.xml", "-a"}));
+  EXPECT_EQ(fileEntry("nothing.xml", false), log.texts("Configuration").back());
+  EXPECT_TRUE(providers(*manager).empty());  // the command line was not reached
+
+  const std::string missingApplication = mInstallation.root() + "/none/app.config";
+  EXPECT_EQ("File \"" + missingApplication + "\" was not found",
+            enable({"tool", "-a"}, missingApplication.c_str()));
+  EXPECT_EQ(fileEntry(missingApplication, false), log.texts("Configuration").back());
+  // The providers made before the failure stay.
+  EXPECT_EQ((std::vector<std::pair<std::string, int>>{{"CLI", 1}}), providers(*manager));
+
+  try {
+    manager->enableConfiguration(false, "broken.xml", 0, nullptr, "tool");
+    ADD_FAILURE() << "a malformed value file was accepted";
+  } catch (const ValidationException&) {
+  }
+  EXPECT_EQ(fileEntry("broken.xml", false), log.texts("Configuration").back());
+}
+
+TEST(ContextManagerTest, RunsInAContextOfItsOwnAndRestoresThePreviousOne) {
+  zelk::host::HostContext outer(1, 2);
+  zelk::host::HostContext::makeCurrent(&outer);
+  {
+    impl::ContextManager scope;
+    zelk::host::HostContext* inner = zelk::host::HostContext::current();
+    ASSERT_NE(&outer, inner);
+    EXPECT_EQ(inner, scope.getContext());
+    EXPECT_EQ(200, inner->getInitialPages());
+    EXPECT_EQ(500, inner->getMaximumPages());
+    EXPECT_TRUE(inner->isShared());
+    EXPECT_TRUE(zelk::host::HostErrorReporter::isEnabled(zelk::host::hostCurrentSession()));
+    {
+      impl::ContextManager nested;
+      EXPECT_NE(inner, zelk::host::HostContext::current());
+    }
+    EXPECT_EQ(inner, zelk::host::HostContext::current());
+  }
+  EXPECT_EQ(&outer, zelk::host::HostContext::current());
+  EXPECT_FALSE(outer.isShared());
+  zelk::host::HostContext::makeCurrent(nullptr);
+}
+
+}  // namespace
+}  // namespace zelk::configuration

@@ -1,0 +1,154 @@
+#include "CommandLine.h"
+
+#include <cstring>
+#include <exception>
+#include <iostream>
+
+#include "Output.h"
+#include "zelk/configuration/ConfigurationException.h"
+#include "zelk/configuration/ConfigurationManager.h"
+#include "zelk/configuration/ConfigurationRegistryLoader.h"
+#include "zelk/configuration/Specification.h"
+#include "zelk/configuration/UnboundedValue.h"
+#include "zelk/configuration/Value.h"
+#include "zelk/configuration/ValueGroup.h"
+#include "zelk/configuration/impl/CommandLineValueProvider.h"
+#include "zelk/host/HostDirectories.h"
+
+namespace zelk::configtool {
+
+using configuration::ConfigurationException;
+using configuration::ConfigurationManager;
+using configuration::ConfigurationRegistryLoader;
+using configuration::Specification;
+using configuration::UnboundedValue;
+using configuration::Value;
+using configuration::ValueGroup;
+
+namespace {
+
+const char* const OWN_SPECIFICATION = "zelk-config";
+const char* const END_OF_OPTIONS = "--";
+
+// The manager with no installation behind it: without a main registry its start-up fails, which
+// is expected here; the manager stays usable and empty (see ConfigurationManager::getInstance).
+ConfigurationManager* startEmptyManager() {
+  host::hostSetDirectories(nullptr, nullptr, nullptr);
+  try {
+    return ConfigurationManager::getInstance();
+  } catch (const ConfigurationException&) {
+    return ConfigurationManager::getInstance();
+  }
+}
+
+bool flagGiven(const ValueGroup& values, const char* name) {
+  const Value value = values.getValue(name, nullptr, false);
+  return !value.isNull() && value.hasValue() && value.asBool();
+}
+
+std::optional<std::string> textGiven(const ValueGroup& values, const char* name) {
+  const Value value = values.getValue(name, nullptr, false);
+  if (value.isNull() || !value.hasValue()) return std::nullopt;
+  return value.asString();
+}
+
+std::vector<std::string> textsGiven(const ValueGroup& values, const char* name) {
+  std::vector<std::string> texts;
+  const UnboundedValue value = values.getUnboundedValue(name, nullptr, false);
+  if (!value.isNull()) {
+    for (std::size_t i = 0; i < value.getValueCount(); ++i) texts.push_back(value.asString(i));
+  }
+  return texts;
+}
+
+void readOptions(const ValueGroup& values, Options& options) {
+  // A help request skips the library's validation, so more than one command may be set: help wins.
+  static const struct {
+    const char* name;
+    Options::Command command;
+  } COMMANDS[] = {{"help", Options::HELP},   {"check", Options::CHECK}, {"list", Options::LIST},
+                  {"usage", Options::USAGE}, {"show", Options::SHOW},   {"values", Options::VALUES}};
+  for (const auto& command : COMMANDS) {
+    if (flagGiven(values, command.name)) {
+      options.command = command.command;
+      break;
+    }
+  }
+  options.specification = textGiven(values, "specification").value_or("");
+  options.installation = textGiven(values, "installation");
+  options.etcDir = textGiven(values, "etcDir");
+  options.pluginsDir = textGiven(values, "pluginsDir");
+  options.configDir = textGiven(values, "configDir");
+  options.applicationFile = textGiven(values, "applicationFile");
+  options.registryFiles = textsGiven(values, "registry");
+  options.valueFiles = textsGiven(values, "valueFile");
+  options.noMachineConfig = flagGiven(values, "noMachineConfig");
+  const Value width = values.getValue("width", nullptr, false);
+  if (!width.isNull() && width.hasValue()) options.width = width.asUInt32();
+}
+
+void printOwnHelpHint() {
+  std::cerr << "Run \"zelk-config -help\" for its parameters.\n";
+}
+
+}  // namespace
+
+std::optional<int> parseCommandLine(int argc, const char* const* argv,
+                                    const std::string& registryPath, Options& options) {
+  std::vector<const char*> own;
+  own.push_back(argc > 0 && argv[0] != nullptr ? argv[0] : OWN_SPECIFICATION);
+  int i = 1;
+  for (; i < argc && std::strcmp(argv[i], END_OF_OPTIONS) != 0; ++i) own.push_back(argv[i]);
+  for (++i; i < argc; ++i) options.toolArguments.push_back(argv[i]);
+
+  ConfigurationManager* manager = startEmptyManager();
+  try {
+    ConfigurationRegistryLoader::loadFile(registryPath.c_str(), manager, 0);
+  } catch (const std::exception& e) {
+    printError("cannot read its own registry file \"" + registryPath + "\":");
+    printException(e);
+    return EXIT_PROBLEMS;
+  }
+  const Specification* self = manager->getSpecification(OWN_SPECIFICATION);
+  if (self == nullptr) {
+    printError("the registry file \"" + registryPath + "\" does not declare \"zelk-config\"");
+    return EXIT_PROBLEMS;
+  }
+
+  std::optional<int> status;
+  try {
+    auto* commandLine = new configuration::impl::CommandLineValueProvider(1, "");
+    manager->registerValueProvider(commandLine);
+    commandLine->enableProvider(static_cast<int>(own.size()), own.data(), OWN_SPECIFICATION, 0);
+    const ValueGroup values = manager->getValueGroup(OWN_SPECIFICATION, false, 0);
+    if (values.getItemCount() == 0) {
+      // No arguments at all: say how to call the tool.
+      printUsage(std::cerr, *manager, *self);
+      status = EXIT_BAD_COMMAND_LINE;
+    } else {
+      readOptions(values, options);
+      if (options.width != 0 && (options.width < MIN_WIDTH || options.width > MAX_WIDTH)) {
+        printError("the width must be from " + std::to_string(MIN_WIDTH) + " to " +
+                   std::to_string(MAX_WIDTH));
+        printOwnHelpHint();
+        status = EXIT_BAD_COMMAND_LINE;
+      } else if ((options.command == Options::HELP || options.command == Options::USAGE) &&
+                 options.specification.empty()) {
+        if (options.command == Options::HELP) {
+          printHelp(std::cout, *manager, *self, options.width != 0 ? options.width : terminalWidth());
+        } else {
+          printUsage(std::cout, *manager, *self);
+        }
+        status = EXIT_CLEAN;
+      }
+    }
+  } catch (const std::exception& e) {
+    printException(e);
+    printOwnHelpHint();
+    status = EXIT_BAD_COMMAND_LINE;
+  }
+  ConfigurationManager::shutdown();
+  return status;
+}
+
+}  // namespace zelk::configtool

@@ -1,0 +1,147 @@
+#include "Installation.h"
+
+#include <strings.h>
+#include <unistd.h>
+
+#include <climits>
+#include <cstdlib>
+#include <set>
+
+#include "CommandLine.h"
+#include "zelk/host/HostDirectories.h"
+#include "zelk/host/HostFileSystem.h"
+#include "zelk/util/FileSystemVisitor.h"
+
+namespace zelk::configtool {
+
+namespace {
+
+const char* const OWN_REGISTRY_FILE_NAME = "zelk-config.crg";
+const char* const MAIN_REGISTRY_FILE_NAME = "zelk.crg";
+const char* const REGISTRY_FILE_EXTENSION = ".crg";
+
+bool isDirectory(const std::string& path) {
+  const unsigned int status = host::hostFileExists(path.c_str());
+  return status != host::HOST_FILE_NOT_FOUND && (status & host::HOST_FILE_DIRECTORY) != 0;
+}
+
+bool isFile(const std::string& path) {
+  const unsigned int status = host::hostFileExists(path.c_str());
+  return status != host::HOST_FILE_NOT_FOUND && (status & host::HOST_FILE_DIRECTORY) == 0;
+}
+
+std::string canonical(const std::string& path) {
+  char resolved[PATH_MAX];
+  return realpath(path.c_str(), resolved) != nullptr ? std::string(resolved) : path;
+}
+
+bool runsFromBuildTree() {
+#ifdef ZELK_CONFIG_BUILD_DIR
+  const std::string here = executableDirectory();
+  return !here.empty() && here == canonical(ZELK_CONFIG_BUILD_DIR);
+#else
+  return false;
+#endif
+}
+
+std::string requireDirectory(const std::string& path, const char* what) {
+  if (!isDirectory(path)) {
+    throw InstallationError(std::string("the ") + what + " \"" + path + "\" was not found");
+  }
+  return path;
+}
+
+// The same search as the library's start-up: a sorted set of paths ending in ".crg" exactly.
+class RegistryFileFinder : public FileSystemVisitor {
+public:
+  bool visitFile(const char* path) override {
+    if (endsWith(path, REGISTRY_FILE_EXTENSION)) mPaths.insert(path);
+    return true;
+  }
+  std::set<std::string> mPaths;
+};
+
+}  // namespace
+
+std::string executableDirectory() {
+  char path[PATH_MAX];
+  const ssize_t length = readlink("/proc/self/exe", path, sizeof path - 1);
+  if (length <= 0) return std::string();
+  std::string executable(path, static_cast<std::size_t>(length));
+  const std::string::size_type slash = executable.rfind('/');
+  return slash == std::string::npos ? std::string() : executable.substr(0, slash);
+}
+
+std::string findOwnRegistry() {
+  std::vector<std::string> candidates;
+  const std::string here = executableDirectory();
+  if (!here.empty()) {
+    candidates.push_back(here + "/" + OWN_REGISTRY_FILE_NAME);
+    candidates.push_back(here + "/../share/zelk/" + OWN_REGISTRY_FILE_NAME);
+  }
+#ifdef ZELK_CONFIG_DATA_DIR
+  candidates.push_back(std::string(ZELK_CONFIG_DATA_DIR) + "/" + OWN_REGISTRY_FILE_NAME);
+#endif
+  for (const std::string& candidate : candidates) {
+    if (isFile(candidate)) return candidate;
+  }
+  std::string message = std::string("its registry file ") + OWN_REGISTRY_FILE_NAME +
+                        " was not found; looked for:";
+  for (const std::string& candidate : candidates) message += "\n  " + candidate;
+  throw InstallationError(message);
+}
+
+Directories selectInstallation(const Options& options) {
+  Directories directories;
+  if (options.installation) {
+    std::string root = requireDirectory(*options.installation, "installation directory");
+    while (root.size() > 1 && root.back() == '/') root.pop_back();
+    directories.etc = root + "/etc";
+    directories.plugins = root + "/plugins";
+    directories.config = root + "/config";
+  } else if (runsFromBuildTree()) {
+#ifdef ZELK_CONFIG_EXAMPLE_INSTALLATION
+    directories.etc = std::string(ZELK_CONFIG_EXAMPLE_INSTALLATION) + "/etc";
+    directories.plugins = std::string(ZELK_CONFIG_EXAMPLE_INSTALLATION) + "/plugins";
+    directories.config = std::string(ZELK_CONFIG_EXAMPLE_INSTALLATION) + "/config";
+#endif
+  } else {
+    host::hostResetDirectories();  // the compiled-in directories of the installed library
+    char buffer[host::HOST_PATH_BUFFER_SIZE];
+    if (host::hostGetEtcDir(buffer)) directories.etc = buffer;
+    if (host::hostGetPluginsDir(buffer)) directories.plugins = buffer;
+    if (host::hostGetConfigDir(buffer)) directories.config = buffer;
+  }
+  if (options.etcDir) directories.etc = requireDirectory(*options.etcDir, "etc directory");
+  if (options.pluginsDir) {
+    directories.plugins = requireDirectory(*options.pluginsDir, "plug-ins directory");
+  }
+  if (options.configDir) {
+    directories.config = requireDirectory(*options.configDir, "configuration directory");
+  }
+  host::hostSetDirectories(directories.etc.c_str(), directories.plugins.c_str(),
+                           directories.config.c_str());
+  return directories;
+}
+
+std::vector<std::string> findRegistryFiles(const Directories& directories, bool& mainFound) {
+  RegistryFileFinder finder;
+  if (!directories.etc.empty()) finder.scan(directories.etc.c_str(), false);
+  if (!directories.plugins.empty()) finder.scan(directories.plugins.c_str(), true);
+
+  std::vector<std::string> files;
+  mainFound = false;
+  for (const std::string& path : finder.mPaths) {
+    const std::string::size_type slash = path.rfind('/');
+    if (!mainFound && slash != std::string::npos &&
+        strcasecmp(path.c_str() + slash + 1, MAIN_REGISTRY_FILE_NAME) == 0) {
+      files.insert(files.begin(), path);
+      mainFound = true;
+    } else {
+      files.push_back(path);
+    }
+  }
+  return files;
+}
+
+}  // namespace zelk::configtool

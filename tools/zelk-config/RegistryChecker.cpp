@@ -1,0 +1,409 @@
+#include "RegistryChecker.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <strings.h>
+#include <map>
+#include <memory>
+#include <ostream>
+#include <unordered_set>
+
+#include "Output.h"
+#include "zelk/configuration/ConfigurationManager.h"
+#include "zelk/configuration/ConfigurationRegistryLoader.h"
+#include "zelk/configuration/Container.h"
+#include "zelk/configuration/GlobalItem.h"
+#include "zelk/configuration/Group.h"
+#include "zelk/configuration/GroupItemVisitor.h"
+#include "zelk/configuration/LogicalGroup.h"
+#include "zelk/configuration/OneOf.h"
+#include "zelk/configuration/Parameter.h"
+#include "zelk/configuration/ParameterRef.h"
+#include "zelk/configuration/Specification.h"
+#include "zelk/configuration/ValidationException.h"
+#include "zelk/configuration/Validator.h"
+#include "zelk/configuration/Value.h"
+#include "zelk/configuration/ValueIterator.h"
+#include "zelk/configuration/impl/Factory.h"
+
+namespace zelk::configtool {
+
+using namespace zelk::configuration;
+
+namespace {
+
+// Loader messages that name the offending text between fixed words, and the element and
+// attribute that carry that text in the file.
+struct MessagePattern {
+  const char* before;
+  const char* after;
+  const char* element;
+  const char* attribute;
+};
+
+const MessagePattern MESSAGE_PATTERNS[] = {
+    {"Parameter \"", "\" was not found", "ParameterRef", "id"},
+    {"Group \"", "\" was not found", "GroupRef", "id"},
+    {"The \"", "\" validator was not found", "Parameter", "validator"},
+    {"\"", "\" is not a recognized type", "Parameter", "type"},
+    {"The \"", "\" enumeration was not found", "Parameter", "enumType"},
+    {"The \"", "\" enumeration has already been defined", "Enumeration", "id"},
+    {"\"", "\" is not a valid integer value", "Value", "value"},
+    {"\"", "\" is not a parameter", "ParameterRef", "id"},
+    {"\"", "\" is not a group", "GroupRef", "id"},
+    {"Duplicate item \"", "\"", "ParameterRef", "id"},
+    {"Duplicate item \"", "\"", "GroupRef", "id"},
+    {"Duplicate validator \"", "\"", "Parameter", "validator"},
+    {"Duplicate enumeration definition \"", "\"", "Parameter", "enumType"},
+};
+
+bool between(const std::string& text, const char* before, const char* after, std::string& inner) {
+  const std::size_t b = std::strlen(before);
+  const std::size_t a = std::strlen(after);
+  if (text.size() < b + a || text.compare(0, b, before) != 0 ||
+      text.compare(text.size() - a, a, after) != 0) {
+    return false;
+  }
+  inner = text.substr(b, text.size() - a - b);
+  return true;
+}
+
+// " at line L, column C" in the reader's and the loader's syntax messages.
+bool positionIn(const std::string& text, unsigned int& line, unsigned int& column) {
+  const std::string::size_type at = text.find(" at line ");
+  if (at == std::string::npos) return false;
+  unsigned long l = 0;
+  unsigned long c = 0;
+  char rest = 0;
+  if (std::sscanf(text.c_str() + at, " at line %lu, column %lu%c", &l, &c, &rest) < 2) {
+    return false;
+  }
+  line = static_cast<unsigned int>(l);
+  column = static_cast<unsigned int>(c);
+  return true;
+}
+
+std::string firstQuoted(const std::string& text) {
+  const std::string::size_type open = text.find('"');
+  if (open == std::string::npos) return std::string();
+  const std::string::size_type close = text.find('"', open + 1);
+  if (close == std::string::npos) return std::string();
+  return text.substr(open + 1, close - open - 1);
+}
+
+std::string oneLine(std::string text) {
+  std::replace(text.begin(), text.end(), '\n', ' ');
+  return text;
+}
+
+std::string childCount(std::size_t count) {
+  return std::to_string(count) + (count == 1 ? " child" : " children");
+}
+
+template <typename T>
+std::vector<T*> collect(IEnumerator<T*>* enumerator) {
+  std::unique_ptr<IEnumerator<T*>> owned(enumerator);
+  std::vector<T*> items;
+  for (; owned->hasNext(); owned->moveNext()) items.push_back(owned->getCurrent());
+  return items;
+}
+
+// Walks a specification or group and reports the constraints that values would trip over and
+// the defaults that a validator rejects; records every parameter it meets.
+class ModelWalker : public GroupItemVisitor {
+public:
+  struct Problem {
+    const char* element;  // the element that declares the item
+    std::string itemId;
+    std::string defaultText;  // for a default: the text, to find the right reference
+    std::string message;
+  };
+
+  bool visitOneOfStart(const OneOf& oneOf) override {
+    if (oneOf.getNumberOfItems() < 2) {
+      mProblems.push_back({"OneOf", oneOf.getId(), std::string(),
+                           "one-of \"" + std::string(oneOf.getId()) + "\" has " +
+                               childCount(oneOf.getNumberOfItems()) +
+                               ": reading values will fail with \"A one of must contain at "
+                               "least two children\""});
+    }
+    return true;
+  }
+
+  bool visitLogicalGroupStart(const LogicalGroup& group) override {
+    const std::string prefix = "logical group \"" + std::string(group.getId()) + "\"";
+    if (group.getNumberOfItems() < 2) {
+      mProblems.push_back({"LogicalGroup", group.getId(), std::string(),
+                           prefix + " has " + childCount(group.getNumberOfItems()) +
+                               ": reading values will fail with \"A logical group must "
+                               "contain at least two children\""});
+    } else if (!group.isOptional()) {
+      bool requiredMember = false;
+      for (std::size_t i = 0; i < group.getNumberOfItems() && !requiredMember; ++i) {
+        requiredMember = !group.getItem(i)->isOptional();
+      }
+      if (!requiredMember) {
+        mProblems.push_back({"LogicalGroup", group.getId(), std::string(),
+                             prefix + " is required but every member is optional: reading "
+                                      "values will fail with \"A required logical group must "
+                                      "contain at least one required item\""});
+      }
+    }
+    return true;
+  }
+
+  bool visitParameterRef(const ParameterRef& reference) override {
+    const Parameter* parameter = reference.getParameter();
+    mUsed.insert(parameter);
+    checkDefault(reference.getDefaultValue(), parameter, "ParameterRef", reference.getId());
+    return true;
+  }
+
+  void checkDefault(const Value& value, const Parameter* parameter, const char* element,
+                    const std::string& id) {
+    const Validator* validator = parameter != nullptr ? parameter->getValidator() : nullptr;
+    if (validator == nullptr || value.isNull()) return;
+    for (ValueIterator entry = value.getIterator(); entry.next();) {
+      const std::string text = entry.asString();
+      std::unique_ptr<char[]> error(validator->validate(text.c_str()));
+      if (error) {
+        mProblems.push_back({element, id, text,
+                             "default \"" + text + "\" of \"" + std::string(parameter->getId()) +
+                                 "\" is rejected by the \"" + validator->getName() +
+                                 "\" validator: " + oneLine(error.get())});
+      }
+    }
+  }
+
+  std::vector<Problem> mProblems;
+  std::unordered_set<const Parameter*> mUsed;
+};
+
+}  // namespace
+
+void RegistryChecker::check(const std::vector<std::string>& files) {
+  std::unique_ptr<ConfigurationManager> manager(impl::Factory::createManager());
+  for (const std::string& path : files) {
+    loadFile(mIndex.addFile(path), *manager);
+  }
+  checkFiles();
+  checkModel(*manager);
+}
+
+void RegistryChecker::addProblem(const std::string& message) {
+  add(nullptr, Finding::NO_FILE, message);
+}
+
+void RegistryChecker::loadFile(std::size_t file, ConfigurationManager& manager) {
+  try {
+    ConfigurationRegistryLoader::loadFile(mIndex.getPath(file).c_str(), &manager, 0);
+  } catch (const std::exception& e) {
+    const auto* validation = dynamic_cast<const ValidationException*>(&e);
+    if (validation != nullptr && validation->getErrors().getNumberOfErrors() > 0) {
+      for (std::size_t i = 0; i < validation->getErrors().getNumberOfErrors(); ++i) {
+        reportLoadError(file, validation->getErrors().getError(i));
+      }
+    } else {
+      reportLoadError(file, describeException(e));
+    }
+  }
+}
+
+void RegistryChecker::reportLoadError(std::size_t file, const std::string& message) {
+  mLoadFailed = true;
+  const std::string text = oneLine(message);
+  unsigned int line = 0;
+  unsigned int column = 0;
+  if (positionIn(text, line, column)) {
+    add(file, line, column, text);
+    return;
+  }
+  const ElementRecord* where = nullptr;
+  std::string inner;
+  for (const MessagePattern& pattern : MESSAGE_PATTERNS) {
+    if (between(text, pattern.before, pattern.after, inner)) {
+      where = mIndex.findByAttribute(file, pattern.element, pattern.attribute, inner);
+      if (where != nullptr) break;
+    }
+  }
+  if (where == nullptr && text.rfind("Unsupported CRG schema version", 0) == 0) {
+    where = mIndex.findRoot(file);
+  }
+  if (where == nullptr && between(text, "missing attribute: ", "", inner)) {
+    where = mIndex.findMissingAttribute(file, inner);
+  }
+  if (where == nullptr) {
+    // Conversion messages quote the text that failed: a default that does not convert to the
+    // parameter's type or is not a symbol of its enumeration.
+    const std::string quoted = firstQuoted(text);
+    if (!quoted.empty()) {
+      where = mIndex.findByAttribute(file, "", "default", quoted);
+    }
+  }
+  add(where, file, text);
+}
+
+void RegistryChecker::checkFiles() {
+  // The loader accepts "hidden" on one-ofs and logical groups, but these items never keep it, so
+  // their members stay in help and usage.
+  for (const ElementRecord& record : mIndex.getRecords()) {
+    if (record.element != "OneOf" && record.element != "LogicalGroup") continue;
+    const std::string* hidden = record.attribute("hidden");
+    if (hidden != nullptr && (strcasecmp(hidden->c_str(), "true") == 0 || *hidden == "1")) {
+      add(&record, record.file,
+          std::string("hidden has no effect on a ") +
+              (record.element == "OneOf" ? "one-of" : "logical group") +
+              ": mark its members hidden instead");
+    }
+  }
+}
+
+void RegistryChecker::checkModel(ConfigurationManager& manager) {
+  // Names declared twice: the registries accept them, but every look-up of them fails.
+  std::map<std::string, std::vector<Specification*>> specifications;
+  for (Specification* specification : collect(manager.getSpecificationEnumerator())) {
+    specifications[specification->getId()].push_back(specification);
+  }
+  std::map<std::string, std::vector<GlobalItem*>> globalItems;
+  for (GlobalItem* item : collect(manager.getGlobalItemEnumerator())) {
+    globalItems[item->getId()].push_back(item);
+  }
+  const auto reportDuplicate = [this](const char* element, const char* word,
+                                      const std::string& id) {
+    const std::vector<const ElementRecord*> records = mIndex.findAll(element, id);
+    std::string message = "Duplicate " + std::string(word) + " \"" + id + "\"";
+    if (records.size() >= 2) {
+      message += " (first declared at " + mIndex.getPath(records[0]->file) + ':' +
+                 std::to_string(records[0]->line) + ':' + std::to_string(records[0]->column) +
+                 ")";
+    }
+    message += ": looking it up fails";
+    const ElementRecord* where = records.size() >= 2 ? records[1] : nullptr;
+    add(where, where != nullptr ? where->file : Finding::NO_FILE, message);
+  };
+  for (const auto& entry : specifications) {
+    if (entry.second.size() > 1) reportDuplicate("Specification", "specification", entry.first);
+  }
+  for (const auto& entry : globalItems) {
+    if (entry.second.size() > 1) {
+      const bool isGroup = entry.second.front()->getItemType() == GlobalItem::GROUP;
+      reportDuplicate(isGroup ? "Group" : "Parameter", "item", entry.first);
+    }
+  }
+
+  // The trees: every specification, then every group (a group nobody refers to is still
+  // checked). Parameters count as used only through a specification.
+  ModelWalker walker;
+  std::vector<std::pair<std::string, std::size_t>> owners;  // owner id, problems before it
+  for (const auto& entry : specifications) {
+    for (const Specification* specification : entry.second) {
+      owners.emplace_back(specification->getId(), walker.mProblems.size());
+      specification->accept(walker);
+    }
+  }
+  const std::unordered_set<const Parameter*> used = walker.mUsed;
+  std::vector<const Parameter*> parameters;
+  for (const auto& entry : globalItems) {
+    for (const GlobalItem* item : entry.second) {
+      if (const auto* group = dynamic_cast<const Group*>(item)) {
+        owners.emplace_back(group->getId(), walker.mProblems.size());
+        group->accept(walker);
+      } else if (const auto* parameter = dynamic_cast<const Parameter*>(item)) {
+        parameters.push_back(parameter);
+      }
+    }
+  }
+  const std::size_t ownedProblems = walker.mProblems.size();
+  for (const Parameter* parameter : parameters) {
+    walker.checkDefault(parameter->getDefaultValue(), parameter, "Parameter", parameter->getId());
+  }
+
+  for (std::size_t i = 0, owner = 0; i < walker.mProblems.size(); ++i) {
+    while (owner + 1 < owners.size() && owners[owner + 1].second <= i) ++owner;
+    const ModelWalker::Problem& problem = walker.mProblems[i];
+    const ElementRecord* where = nullptr;
+    if (!problem.defaultText.empty()) {
+      // The reference that carries this default; else the parameter that declares it.
+      for (const ElementRecord* record : mIndex.findAll(problem.element, problem.itemId)) {
+        const std::string* text = record->attribute("default");
+        if (text != nullptr && *text == problem.defaultText) {
+          where = record;
+          break;
+        }
+      }
+      if (where == nullptr) where = mIndex.findItem("Parameter", problem.itemId);
+    } else if (i < ownedProblems && !owners.empty()) {
+      where = mIndex.findItem(problem.element, problem.itemId, std::nullopt,
+                              &owners[owner].first);
+    }
+    if (where == nullptr) where = mIndex.findItem(problem.element, problem.itemId);
+    add(where, where != nullptr ? where->file : Finding::NO_FILE, problem.message);
+  }
+
+  // A file that failed to load may hold the specification that uses a parameter: without every
+  // file loaded, "unused" would be a guess.
+  for (const Parameter* parameter : parameters) {
+    if (!mLoadFailed && used.count(parameter) == 0) {
+      const ElementRecord* where = mIndex.findItem("Parameter", parameter->getId());
+      add(where, where != nullptr ? where->file : Finding::NO_FILE,
+          "parameter \"" + std::string(parameter->getId()) + "\" is not used by any specification");
+    }
+  }
+}
+
+void RegistryChecker::add(const ElementRecord* where, std::size_t file,
+                          const std::string& message) {
+  if (where != nullptr) {
+    add(where->file, where->line, where->column, message);
+  } else {
+    add(file, 0, 0, message);
+  }
+}
+
+void RegistryChecker::add(std::size_t file, unsigned int line, unsigned int column,
+                          const std::string& message) {
+  Finding finding;
+  finding.file = file;
+  finding.line = line;
+  finding.column = column;
+  finding.message = oneLine(message);
+  const std::string key = std::to_string(finding.file) + ':' + std::to_string(finding.line) +
+                          ':' + std::to_string(finding.column) + ": " + finding.message;
+  if (mSeen.insert(key).second) mFindings.push_back(finding);
+}
+
+std::vector<Finding> RegistryChecker::getFindings() const {
+  std::vector<Finding> findings = mFindings;
+  std::stable_sort(findings.begin(), findings.end(), [](const Finding& a, const Finding& b) {
+    // Problems without a file come first; then by file, line and column.
+    const std::size_t fa = a.file == Finding::NO_FILE ? 0 : a.file + 1;
+    const std::size_t fb = b.file == Finding::NO_FILE ? 0 : b.file + 1;
+    if (fa != fb) return fa < fb;
+    if (a.line != b.line) return a.line < b.line;
+    return a.column < b.column;
+  });
+  return findings;
+}
+
+void RegistryChecker::print(std::ostream& out) const {
+  const std::vector<Finding> findings = getFindings();
+  for (const Finding& finding : findings) {
+    if (finding.file != Finding::NO_FILE) {
+      out << mIndex.getPath(finding.file);
+      if (finding.line != 0) out << ':' << finding.line << ':' << finding.column;
+      out << ": ";
+    }
+    out << finding.message << '\n';
+  }
+  const std::size_t files = mIndex.getFileCount();
+  const std::string fileWord = files == 1 ? " registry file" : " registry files";
+  if (findings.empty()) {
+    out << "No problems found in " << files << fileWord << ".\n";
+  } else {
+    out << findings.size() << (findings.size() == 1 ? " problem" : " problems") << " found in "
+        << files << fileWord << ".\n";
+  }
+}
+
+}  // namespace zelk::configtool

@@ -1,0 +1,164 @@
+// zelk-config: checks the configuration registry of an installation, lists its specifications,
+// shows their usage and help, and tries command lines and value files on them.
+//
+//   zelk-config -check
+//   zelk-config -list
+//   zelk-config -help -specification zbackup
+//   zelk-config -values -specification zbackup -valueFile backup-nightly.xml -- -dryRun
+//
+// Its own parameters are declared in zelk-config.crg and parsed by the configuration library.
+
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "CommandLine.h"
+#include "Installation.h"
+#include "Output.h"
+#include "RegistryChecker.h"
+#include "ValuesReport.h"
+#include "zelk/configuration/ConfigurationManager.h"
+#include "zelk/configuration/Specification.h"
+
+using namespace zelk::configtool;
+using zelk::configuration::ConfigurationManager;
+using zelk::configuration::Specification;
+
+namespace {
+
+std::string describeDirectories(const Directories& directories) {
+  const auto shown = [](const std::string& path) {
+    return path.empty() ? std::string("(none)") : "\"" + path + "\"";
+  };
+  return "etc directory " + shown(directories.etc) + ", plug-ins directory " +
+         shown(directories.plugins);
+}
+
+int runCheck(const Options& options, const Directories& directories) {
+  RegistryChecker checker;
+  std::vector<std::string> files = options.registryFiles;
+  if (files.empty()) {
+    bool mainFound = false;
+    files = findRegistryFiles(directories, mainFound);
+    if (!mainFound) {
+      checker.addProblem("Unable to find the zelk.crg file. Looked in the " +
+                         describeDirectories(directories) + ".");
+    }
+  }
+  checker.check(files);
+  checker.print(std::cout);
+  return checker.getFindings().empty() ? EXIT_CLEAN : EXIT_PROBLEMS;
+}
+
+// The process-wide manager with the installation loaded; null, with the problem reported, when
+// its registry files do not load.
+ConfigurationManager* loadInstallation(const Directories& directories) {
+  try {
+    return ConfigurationManager::getInstance();
+  } catch (const std::exception& e) {
+    printError("the installation does not load (" + describeDirectories(directories) + "):");
+    printException(e);
+    printError("run \"zelk-config -check\" for every problem with its place");
+    return nullptr;
+  }
+}
+
+const Specification* findSpecification(ConfigurationManager& manager, const std::string& id) {
+  const Specification* specification = manager.getSpecification(id.c_str());
+  if (specification == nullptr) {
+    printError("The \"" + id + "\" specification was not found");
+  }
+  return specification;
+}
+
+int runList(const Directories& directories, std::size_t width) {
+  ConfigurationManager* manager = loadInstallation(directories);
+  if (manager == nullptr) return EXIT_PROBLEMS;
+  std::unique_ptr<zelk::IEnumerator<Specification*>> specifications(
+      manager->getSpecificationEnumerator());
+  std::size_t count = 0;
+  for (; specifications->hasNext(); specifications->moveNext(), ++count) {
+    const Specification* specification = specifications->getCurrent();
+    std::cout << specification->getId() << ": " << specification->getTitle() << '\n';
+    printWrapped(std::cout, specification->getDescription(), 4, width);
+  }
+  if (count == 0) std::cout << "The installation declares no specifications.\n";
+  return EXIT_CLEAN;
+}
+
+int runOnSpecification(const Options& options, const Directories& directories,
+                       std::size_t width) {
+  ConfigurationManager* manager = loadInstallation(directories);
+  if (manager == nullptr) return EXIT_PROBLEMS;
+  const Specification* specification = findSpecification(*manager, options.specification);
+  if (specification == nullptr) return EXIT_PROBLEMS;
+  switch (options.command) {
+    case Options::USAGE:
+      printUsage(std::cout, *manager, *specification);
+      break;
+    case Options::HELP:
+      printHelp(std::cout, *manager, *specification, width);
+      break;
+    default:
+      std::cout << manager->getRepresentation(*specification);
+      break;
+  }
+  return EXIT_CLEAN;
+}
+
+int run(int argc, const char* const* argv) {
+  std::string ownRegistry;
+  try {
+    ownRegistry = findOwnRegistry();
+  } catch (const InstallationError& e) {
+    printError(e.what());
+    return EXIT_PROBLEMS;
+  }
+  Options options;
+  if (std::optional<int> status = parseCommandLine(argc, argv, ownRegistry, options)) {
+    return *status;
+  }
+  if (options.specification.empty() &&
+      (options.command == Options::SHOW || options.command == Options::VALUES)) {
+    printError(std::string("-") + (options.command == Options::SHOW ? "show" : "values") +
+               " needs -specification");
+    return EXIT_BAD_COMMAND_LINE;
+  }
+
+  Directories directories;
+  try {
+    directories = selectInstallation(options);
+  } catch (const InstallationError& e) {
+    printError(e.what());
+    return EXIT_PROBLEMS;
+  }
+  const std::size_t width = options.width != 0 ? options.width : terminalWidth();
+  switch (options.command) {
+    case Options::CHECK:
+      return runCheck(options, directories);
+    case Options::LIST:
+      return runList(directories, width);
+    case Options::VALUES:
+      if (ConfigurationManager* manager = loadInstallation(directories); manager == nullptr) {
+        return EXIT_PROBLEMS;
+      }
+      return reportValues(options, std::cout);
+    default:
+      return runOnSpecification(options, directories, width);
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return run(argc, argv);
+  } catch (const std::exception& e) {
+    // Nothing should get here; if something does, it is still one clear line, not a crash.
+    printException(e);
+  } catch (...) {
+    printError("unexpected error");
+  }
+  return EXIT_PROBLEMS;
+}

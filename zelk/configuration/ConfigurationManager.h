@@ -1,0 +1,141 @@
+// ConfigurationManager: the entry point of the configuration system.
+//
+// The process-wide manager (getInstance()) owns the registries of everything the system knows:
+// specifications, enumeration definitions, global items (parameters and groups), validators and
+// value providers. It is created on first use, loads the registry files, and is shut down at
+// process exit. Tools enable it with their command line once and then read their values:
+//
+//   ConfigurationManager* manager = ConfigurationManager::getInstance();
+//   manager->enableConfiguration(true, "tool.config", argc, argv, "tool");
+//   ValueGroup values = manager->getValueGroup("tool", true, 0);
+//   std::cout << manager->composeUsageMessage("tool");
+//
+// Look-ups return null for an unknown name and throw ConfigurationException
+// "Duplicate <kind> "<name>"" when a name was registered twice. The registries take no locks:
+// configure on one thread before reading values from several.
+#pragma once
+
+#include <boost/scoped_ptr.hpp>
+
+#include "zelk/configuration/ConfigurationManagerBase.h"
+#include "zelk/util/IEnumerator.h"
+
+namespace zelk::configuration {
+
+class EnumDefinition;
+class GlobalItem;
+class GroupItem;
+class Specification;
+class ValidationErrors;
+class Validator;
+class ValueGroup;
+class ValueGroupItem;
+class ValueProvider;
+
+namespace impl {
+class ConfigurationManagerImpl;
+}
+
+class ConfigurationManager : public ConfigurationManagerBase {
+public:
+  // The names of the three built-in provider kinds (also their registry ids).
+  static const char* const COMMAND_LINE_PROVIDER_NAME;  // "CLI"
+  static const char* const XML_FILE_PROVIDER_NAME;      // "XML_FILE"
+  static const char* const APPLICATION_PROVIDER_NAME;   // "APP_VALUES"
+
+  // An empty manager. Prefer getInstance(), or impl::Factory::createManager() for an independent
+  // manager with the default validators.
+  ConfigurationManager();
+  ~ConfigurationManager() override;
+
+  // The process-wide manager, created on first use: it registers the default validators and loads
+  // the registry files. If that load throws, the exception reaches the caller and later calls
+  // return the partly loaded manager without loading again.
+  static ConfigurationManager* getInstance();
+  // Deletes the process-wide manager (registered with atexit by getInstance()).
+  static void shutdown();
+
+  // Registries. register takes ownership (contract: not null; the object's name must not be
+  // empty); get returns null when nothing is registered under the name and throws "Duplicate %s
+  // "%s"" when several are; unregister removes every entry of the name without destroying it and
+  // returns whether one was removed; enumerators walk the registry in key order and are deleted
+  // by the caller.
+  void registerValueProvider(ValueProvider* provider);
+  ValueProvider* getValueProvider(const char* name) const;
+  bool unregisterValueProvider(const char* name);
+  IEnumerator<ValueProvider*>* getValueProviderEnumerator() const;
+
+  void registerValidator(Validator* validator);
+  Validator* getValidator(const char* name) const;
+  bool unregisterValidator(const char* name);
+  IEnumerator<Validator*>* getValidatorEnumerator() const;
+
+  void registerGlobalItem(GlobalItem* item);
+  GlobalItem* getGlobalItem(const char* name) const;
+  bool unregisterGlobalItem(const char* name);
+  IEnumerator<GlobalItem*>* getGlobalItemEnumerator() const;
+
+  void registerEnumDefinition(EnumDefinition* enumDefinition);
+  EnumDefinition* getEnumDefinition(const char* name) const;
+  bool unregisterEnumDefinition(const char* name);
+  IEnumerator<EnumDefinition*>* getEnumDefinitionEnumerator() const;
+
+  void registerSpecification(Specification* specification);
+  Specification* getSpecification(const char* name) const;
+  bool unregisterSpecification(const char* name);
+  IEnumerator<Specification*>* getSpecificationEnumerator() const;
+
+  // The global item of that name if it is a group, null when there is none; throws
+  // ConfigurationException ""%s" is not a group" for another kind.
+  GlobalItem* getGroup(const char* name);
+  // The global item of that name if it is a parameter, null when there is none; throws
+  // ConfigurationException ""%s" is not a parameter" for another kind.
+  GlobalItem* getParameter(const char* name);
+
+  // Resets the manager and builds the value providers of this run: "-loadConfiguration" files,
+  // the command line (when specificationId is given), the application's file and, if allowed,
+  // "machine.config".
+  void enableConfiguration(bool allowMachineConfig, const char* applicationConfigFile,
+                           unsigned int argc, const char* const* argv,
+                           const char* specificationId);
+  // Finds and loads the registry files ("zelk.crg" first); throws when "zelk.crg" is missing.
+  void loadDefaultConfigurationRegistry();
+  // Registers the storage-location validator and one validator per "ParameterValidator" plug-in.
+  void registerDefaultValidators();
+  // Clears every registry and cache, then registers the default validators and loads the
+  // registry files again.
+  void reset();
+
+  // The merged, validated and completed values of the specification, cached per id.
+  ValueGroup getValueGroup(const char* specificationId, bool required, int flags) const;
+  // Installs the application's own values (they take precedence over every other provider).
+  void setApplicationValues(const ValueGroup& values, int flags);
+  // Matches values to specification and validates them; with a collector the errors are added to
+  // it, without one a ValidationException is thrown.
+  void validateValues(const Specification& specification, ValueGroup& values,
+                      ValidationErrors* errors) const;
+
+  // Usage and help text of the specification through the named provider ("CLI" when providerName
+  // is null or empty). The pointer is valid until the next call of the same operation.
+  const char* composeUsageMessage(const char* specificationId,
+                                  const char* providerName = 0) const;
+  const char* composeHelpMessage(const char* specificationId, unsigned long screenWidth,
+                                 unsigned long maxParameterNameWidth,
+                                 const char* providerName = 0) const;
+
+  // Diagnostic text of an item; valid until the next getRepresentation call.
+  const char* getRepresentation(const ValueGroupItem& item);
+  const char* getRepresentation(const GroupItem& item);
+  const char* getRepresentation(const Specification& specification);
+
+  impl::ConfigurationManagerImpl* getImpl() const;
+
+private:
+  ConfigurationManager(const ConfigurationManager&) = delete;
+  ConfigurationManager& operator=(const ConfigurationManager&) = delete;
+
+  static ConfigurationManager* smInstance;
+  boost::scoped_ptr<impl::ConfigurationManagerImpl> mImpl;
+};
+
+}  // namespace zelk::configuration

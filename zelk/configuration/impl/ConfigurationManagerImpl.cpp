@@ -1,0 +1,593 @@
+#include "zelk/configuration/impl/ConfigurationManagerImpl.h"
+
+#include <strings.h>
+
+#include <exception>
+#include <new>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <boost/scoped_ptr.hpp>
+
+#include "zelk/configuration/ApplicationValueProvider.h"
+#include "zelk/configuration/ConfigurationException.h"
+#include "zelk/configuration/ConfigurationRegistryLoader.h"
+#include "zelk/configuration/EnumDefinition.h"
+#include "zelk/configuration/GlobalItem.h"
+#include "zelk/configuration/Parameter.h"
+#include "zelk/configuration/Specification.h"
+#include "zelk/configuration/ValidationErrors.h"
+#include "zelk/configuration/Validator.h"
+#include "zelk/configuration/Value.h"
+#include "zelk/configuration/ValueGroup.h"
+#include "zelk/configuration/ValueProvider.h"
+#include "zelk/configuration/XmlFileValueProvider.h"
+#include "zelk/configuration/impl/CommandLineValueProvider.h"
+#include "zelk/configuration/impl/ConfigurationRegistryFilesFinder.h"
+#include "zelk/configuration/impl/ContextManager.h"
+#include "zelk/configuration/impl/Factory.h"
+#include "zelk/configuration/impl/GroupItemStringGenerator.h"
+#include "zelk/configuration/impl/ObjectMapEnumeratorAdapter.h"
+#include "zelk/configuration/impl/SpecificationMatcher.h"
+#include "zelk/configuration/impl/StorageLocationValidator.h"
+#include "zelk/configuration/impl/ValueAccess.h"
+#include "zelk/configuration/impl/ValueGroupItemStringGenerator.h"
+#include "zelk/configuration/impl/ValueGroupState.h"
+#include "zelk/configuration/impl/ValueGroupValidator.h"
+#include "zelk/host/ExtensionPoint.h"
+#include "zelk/host/HostDirectories.h"
+#include "zelk/host/HostFileSystem.h"
+#include "zelk/host/HostMainLog.h"
+#include "zelk/host/HostProcess.h"
+#include "zelk/util/Contracts.h"
+#include "zelk/util/StringFunctions.h"
+#include "zelk/util/VectorWrapper.h"
+
+namespace zelk::configuration::impl {
+
+void ConfigurationManagerImpl::destroy(Specification* specification) {
+  Factory::destroy(specification, false, 0);
+}
+
+void ConfigurationManagerImpl::destroy(EnumDefinition* enumDefinition) {
+  Factory::destroy(enumDefinition, false, 0);
+}
+
+void ConfigurationManagerImpl::destroy(GlobalItem* item) { Factory::destroy(item, false, 0); }
+
+void ConfigurationManagerImpl::destroy(Validator* validator) {
+  Factory::destroy(validator, false, 0);
+}
+
+void ConfigurationManagerImpl::destroy(ValueProvider* provider) {
+  Factory::destroy(provider, false, 0);
+}
+
+ConfigurationManagerImpl::ConfigurationManagerImpl(ConfigurationManager* self)
+    : mSelf(self), mNextPriority(1), mValidatorExtensionPoint(0) {
+  ZELK_CONTRACT(mSelf != 0);
+  void* memory = zelk::host::hostMalloc(sizeof(zelk::host::ExtensionPoint));
+  try {
+    mValidatorExtensionPoint = new (memory) zelk::host::ExtensionPoint("ParameterValidator", 1, 1);
+  } catch (...) {
+    zelk::host::hostFree(memory);
+    throw;
+  }
+}
+
+ConfigurationManagerImpl::~ConfigurationManagerImpl() {
+  clearCaches();
+  if (mValidatorExtensionPoint != 0) {
+    mValidatorExtensionPoint->~ExtensionPoint();
+    zelk::host::hostFree(mValidatorExtensionPoint);
+  }
+}
+
+ConfigurationManager* ConfigurationManagerImpl::getSelf() const {
+  ZELK_CONTRACT(mSelf != 0);
+  return mSelf;
+}
+
+// Value providers.
+
+void ConfigurationManagerImpl::registerValueProvider(ValueProvider* provider) {
+  ZELK_CONTRACT(provider != 0);
+  mValueProviders.add(provider->getId(), provider);
+}
+
+ValueProvider* ConfigurationManagerImpl::getValueProvider(const char* name) const {
+  return mValueProviders.get(name, "provider");
+}
+
+bool ConfigurationManagerImpl::unregisterValueProvider(const char* name) {
+  return mValueProviders.remove(name);
+}
+
+IEnumerator<ValueProvider*>* ConfigurationManagerImpl::getValueProviderEnumerator() const {
+  return new ObjectMapEnumeratorAdapter<ValueProviderMap>(mValueProviders);
+}
+
+size_t ConfigurationManagerImpl::getNumberOfValueProviders() const {
+  return mValueProviders.size();
+}
+
+// Validators.
+
+void ConfigurationManagerImpl::registerValidator(Validator* validator) {
+  ZELK_CONTRACT(validator != 0);
+  mValidators.add(validator->getName(), validator);
+}
+
+Validator* ConfigurationManagerImpl::getValidator(const char* name) const {
+  return mValidators.get(name, "validator");
+}
+
+bool ConfigurationManagerImpl::unregisterValidator(const char* name) {
+  return mValidators.remove(name);
+}
+
+IEnumerator<Validator*>* ConfigurationManagerImpl::getValidatorEnumerator() const {
+  return new ObjectMapEnumeratorAdapter<ValidatorMap>(mValidators);
+}
+
+size_t ConfigurationManagerImpl::getNumberOfValidators() const { return mValidators.size(); }
+
+// Global items.
+
+void ConfigurationManagerImpl::registerGlobalItem(GlobalItem* item) {
+  ZELK_CONTRACT(item != 0);
+  mGlobalItems.add(item->getId(), item);
+}
+
+GlobalItem* ConfigurationManagerImpl::getGlobalItem(const char* name) const {
+  return mGlobalItems.get(name, "item");
+}
+
+bool ConfigurationManagerImpl::unregisterGlobalItem(const char* name) {
+  return mGlobalItems.remove(name);
+}
+
+IEnumerator<GlobalItem*>* ConfigurationManagerImpl::getGlobalItemEnumerator() const {
+  return new ObjectMapEnumeratorAdapter<GlobalItemMap>(mGlobalItems);
+}
+
+size_t ConfigurationManagerImpl::getNumberOfGlobalItems() const { return mGlobalItems.size(); }
+
+// Enumeration definitions.
+
+void ConfigurationManagerImpl::registerEnumDefinition(EnumDefinition* enumDefinition) {
+  ZELK_CONTRACT(enumDefinition != 0);
+  mEnumDefinitions.add(enumDefinition->getName(), enumDefinition);
+}
+
+EnumDefinition* ConfigurationManagerImpl::getEnumDefinition(const char* name) const {
+  return mEnumDefinitions.get(name, "enumeration definition");
+}
+
+bool ConfigurationManagerImpl::unregisterEnumDefinition(const char* name) {
+  return mEnumDefinitions.remove(name);
+}
+
+IEnumerator<EnumDefinition*>* ConfigurationManagerImpl::getEnumDefinitionEnumerator() const {
+  return new ObjectMapEnumeratorAdapter<EnumDefinitionMap>(mEnumDefinitions);
+}
+
+size_t ConfigurationManagerImpl::getNumberOfEnumDefinitions() const {
+  return mEnumDefinitions.size();
+}
+
+// Specifications.
+
+void ConfigurationManagerImpl::registerSpecification(Specification* specification) {
+  ZELK_CONTRACT(specification != 0);
+  mSpecifications.add(specification->getId(), specification);
+}
+
+Specification* ConfigurationManagerImpl::getSpecification(const char* name) const {
+  return mSpecifications.get(name, "specification");
+}
+
+bool ConfigurationManagerImpl::unregisterSpecification(const char* name) {
+  return mSpecifications.remove(name);
+}
+
+IEnumerator<Specification*>* ConfigurationManagerImpl::getSpecificationEnumerator() const {
+  return new ObjectMapEnumeratorAdapter<SpecificationMap>(mSpecifications);
+}
+
+size_t ConfigurationManagerImpl::getNumberOfSpecifications() const {
+  return mSpecifications.size();
+}
+
+// Start-up and discovery.
+
+namespace {
+
+// The host's directory separator, for joining directories with file names and for finding the
+// file-name part of a path.
+const std::string DIRECTORY_SEPARATOR(1, zelk::host::hostGetDirSeparator(nullptr));
+const char* const MACHINE_CONFIGURATION_FILE_NAME = "machine.config";
+const char* const LOAD_CONFIGURATION_SWITCH = "-loadConfiguration";
+const char* const LOG_CATEGORY = "Configuration";
+
+// The host directory that lookup gives, with a separator at its end; empty when there is none.
+std::string hostDirectory(bool (*lookup)(char*)) {
+  char buffer[zelk::host::HOST_PATH_BUFFER_SIZE];
+  if (!lookup(buffer)) {
+    return std::string();
+  }
+  return zelk::appendSuffix(buffer, DIRECTORY_SEPARATOR);
+}
+
+// A null argument is read as an empty one.
+const char* argumentAt(const char* const* argv, unsigned int index) {
+  return argv[index] != 0 ? argv[index] : "";
+}
+
+}  // namespace
+
+void ConfigurationManagerImpl::enableConfiguration(bool allowMachineConfig,
+                                                   const char* applicationConfigFile,
+                                                   unsigned int argc, const char* const* argv,
+                                                   const char* specificationId) {
+  reset();
+
+  std::string log = "enableConfiguration:\n [allow machine config = ";
+  log += allowMachineConfig ? "true" : "false";
+  log += "]\n [application config file = \"";
+  if (applicationConfigFile != 0) {
+    log += applicationConfigFile;
+  }
+  log += "\"]\n [command line = ";
+  for (unsigned int i = 0; argv != 0 && i < argc; ++i) {
+    log += i == 0 ? "\"" : ", \"";
+    log += argumentAt(argv, i);
+    log += "\"";
+  }
+  log += "]";
+  zelk::host::hostAddToMainLog(LOG_CATEGORY, log.c_str());
+
+  ContextManager scope;
+  mValueProviders.clear();
+
+  if (argc != 0 && argv != 0) {
+    std::vector<std::string> arguments;
+    arguments.reserve(argc);
+    arguments.push_back(argumentAt(argv, 0));
+    for (unsigned int i = 1; i < argc; ++i) {
+      const char* argument = argumentAt(argv, i);
+      // A flag's value is the next word unless that word is a flag itself.
+      const char* value = 0;
+      if (argument[0] == '-' && i + 1 < argc && argumentAt(argv, i + 1)[0] != '-') {
+        value = argumentAt(argv, ++i);
+      }
+      if (strcasecmp(argument, LOAD_CONFIGURATION_SWITCH) == 0) {
+        if (value == 0 || *value == '\0') {
+          throw ConfigurationException("Missing value for the -loadConfiguration parameter");
+        }
+        loadAndLogConfigurationFile(value, false);
+        continue;
+      }
+      arguments.push_back(argument);
+      if (value != 0) {
+        arguments.push_back(value);
+      }
+    }
+    // Without a specification id the command line has nothing to be matched to: it is dropped.
+    if (specificationId != 0 && *specificationId != '\0') {
+      CommandLineValueProvider* provider = new CommandLineValueProvider(takeNextPriority(), "");
+      try {
+        registerValueProvider(provider);
+      } catch (...) {
+        delete provider;
+        throw;
+      }
+      zelk::VectorWrapper wrapped(arguments);
+      provider->enableProvider(static_cast<int>(wrapped.size()), wrapped.data(), specificationId,
+                               0);
+    }
+  }
+
+  if (applicationConfigFile != 0 && *applicationConfigFile != '\0') {
+    loadAndLogConfigurationFile(applicationConfigFile, false);
+  }
+  if (allowMachineConfig) {
+    loadAndLogConfigurationFile(getConfigurationDir() + MACHINE_CONFIGURATION_FILE_NAME, true);
+  }
+}
+
+void ConfigurationManagerImpl::loadDefaultConfigurationRegistry() {
+  ContextManager scope;
+  ConfigurationRegistryFilesFinder finder;
+  const std::string etcDir = getEtcDir();
+  if (!etcDir.empty()) {
+    finder.scan(etcDir.c_str(), false);  // the result is not a success flag
+  }
+  const std::string pluginDir = getPluginDir();
+  if (!pluginDir.empty()) {
+    finder.scan(pluginDir.c_str(), true);
+  }
+  std::string mainRegistry;
+  if (!finder.takeMainRegistry(DIRECTORY_SEPARATOR, mainRegistry)) {
+    throw ConfigurationException(
+        "Unable to find the %s file.",
+        ConfigurationRegistryFilesFinder::MAIN_CONFIGURATION_REGISTRY_FILE_NAME);
+  }
+  // Into this manager: for the default manager that is the instance the loader would fall back
+  // to, and an independent manager keeps its registries to itself. A failure stops the files
+  // that come after.
+  ConfigurationRegistryLoader::loadFile(mainRegistry.c_str(), mSelf, 0);
+  const std::set<std::string>& files = finder.getFiles();
+  for (std::set<std::string>::const_iterator file = files.begin(); file != files.end(); ++file) {
+    ConfigurationRegistryLoader::loadFile(file->c_str(), mSelf, 0);
+  }
+}
+
+bool ConfigurationManagerImpl::loadConfigurationFile(const std::string& path,
+                                                     bool ignoreIfMissing) {
+  std::string file = path;
+  // A bare file name that is not in the working directory is looked up in the configuration
+  // directory.
+  if (zelk::host::hostFileExists(file.c_str()) == zelk::host::HOST_FILE_NOT_FOUND &&
+      file.find(DIRECTORY_SEPARATOR) == std::string::npos) {
+    file = getConfigurationDir() + file;
+  }
+  if (zelk::host::hostFileExists(file.c_str()) != zelk::host::HOST_FILE_NOT_FOUND) {
+    XmlFileValueProvider* provider = new XmlFileValueProvider(takeNextPriority(), "");
+    try {
+      registerValueProvider(provider);
+    } catch (...) {
+      delete provider;
+      throw;
+    }
+    provider->enableProvider(file.c_str(), 0);
+    return true;
+  }
+  if (ignoreIfMissing) {
+    return false;
+  }
+  throw ConfigurationException("File \"%s\" was not found", file.c_str());
+}
+
+void ConfigurationManagerImpl::loadAndLogConfigurationFile(const std::string& path,
+                                                           bool ignoreIfMissing) {
+  ContextManager scope;
+  bool loaded;
+  try {
+    loaded = loadConfigurationFile(path, ignoreIfMissing);
+  } catch (const std::exception&) {
+    writeFileLogMessage(path, false);
+    throw;
+  }
+  // A missing file that may be missing leaves no trace in the log.
+  if (loaded) {
+    writeFileLogMessage(path, true);
+  }
+}
+
+void ConfigurationManagerImpl::writeFileLogMessage(const std::string& path, bool succeeded) {
+  std::string text = "loadConfigurationFile: [";
+  text += succeeded ? "succeeded" : "failed";
+  text += "]\n [file = \"";
+  text += path;
+  text += "\"]";
+  zelk::host::hostAddToMainLog(LOG_CATEGORY, text.c_str());
+}
+
+std::string ConfigurationManagerImpl::getConfigurationDir() {
+  return hostDirectory(&zelk::host::hostGetConfigDir);
+}
+
+std::string ConfigurationManagerImpl::getPluginDir() {
+  return hostDirectory(&zelk::host::hostGetPluginsDir);
+}
+
+std::string ConfigurationManagerImpl::getEtcDir() {
+  return hostDirectory(&zelk::host::hostGetEtcDir);
+}
+
+void ConfigurationManagerImpl::registerDefaultValidators() {
+  ContextManager scope;
+  Validator* storageLocation = new StorageLocationValidator();
+  try {
+    registerValidator(storageLocation);
+  } catch (...) {
+    delete storageLocation;
+    throw;
+  }
+  const size_t count = mValidatorExtensionPoint->pluginCount();
+  for (size_t i = 0; i < count; ++i) {
+    void* object = mValidatorExtensionPoint->plugin(i)->createImplementation();
+    // A plug-in that makes nothing is skipped silently.
+    if (object != 0) {
+      registerValidator(static_cast<Validator*>(object));
+    }
+  }
+}
+
+void ConfigurationManagerImpl::reset() {
+  clearCaches();
+  mNextPriority = 1;
+  registerDefaultValidators();
+  loadDefaultConfigurationRegistry();
+}
+
+void ConfigurationManagerImpl::clearCaches() {
+  // Values first: they point into the specifications, which point to the global items.
+  clearValueCache();
+  mValueProviders.clear();
+  mSpecifications.clear();
+  mGlobalItems.clear();
+  mValidators.clear();
+  mEnumDefinitions.clear();
+  mRepresentation.clear();
+}
+
+// Value retrieval.
+
+namespace {
+
+// True when values hold a true "help" value: a help request must never fail because required
+// values are missing. Only a boolean (or untyped) "help" holding a text is read, so that no other
+// kind of "help" makes the read throw.
+bool isHelpRequest(const ValueGroup& values) {
+  ValidationErrors ignored;
+  Value help = values.getValue("help", &ignored, false);
+  if (help.isNull() || !help.hasValue()) {
+    return false;
+  }
+  const int type = help.getValueType();
+  return (type == Parameter::BOOL || type == -1) && help.asBool();
+}
+
+}  // namespace
+
+ValueGroup ConfigurationManagerImpl::getValueGroup(const char* specificationId, bool required,
+                                                   int flags) const {
+  return ValueGroup(getCachedValues(specificationId, required, flags));
+}
+
+boost::shared_ptr<ValueGroupState> ConfigurationManagerImpl::getCachedValues(
+    const char* specificationId, bool required, int flags) const {
+  const Specification* specification = getSpecification(specificationId);
+  if (specification == 0) {
+    throw ConfigurationException("The \"%s\" specification was not found", specificationId);
+  }
+  // Neither the flags nor required are part of the key: a later call with others gets the values
+  // computed first, and a cached null stays null.
+  ValueCache::const_iterator cached = mValueCache.find(specificationId);
+  if (cached != mValueCache.end()) {
+    return cached->second;
+  }
+  ValueGroup values = getValues(*specification, flags);
+  if (values.isNull()) {
+    if (required) {
+      throw ConfigurationException("The \"%s\" group was not found", specificationId);
+    }
+    values = ValueGroup(specification);
+  }
+  values.complete();
+  boost::shared_ptr<ValueGroupState> state = ValueAccess::peekState(values);
+  mValueCache.insert(ValueCache::value_type(specificationId, state));
+  return state;
+}
+
+ValueGroup ConfigurationManagerImpl::getValues(const Specification& specification,
+                                               int flags) const {
+  // Each provider skips the required and one-of checks: only the merged tree can be judged on
+  // those.
+  const int PROVIDER_FLAGS = 0x14;
+  ValueGroup result(&specification);
+  // Registry key order: "APP_VALUES", then "CLI", then the "XML_FILE"s in registration order, so
+  // that the first answer for a bounded value wins in that order.
+  boost::scoped_ptr<IEnumerator<ValueProvider*> > providers(getValueProviderEnumerator());
+  for (; providers->hasNext(); providers->moveNext()) {
+    ValueProvider* provider = providers->getCurrent();
+    if (!provider->getEnabled()) {
+      continue;
+    }
+    ValueGroup answer = provider->getValues(specification, flags | PROVIDER_FLAGS);
+    result.merge(specification, answer);
+  }
+  if (result.getItemCount() == 0) {
+    return ValueGroup::Null;
+  }
+  if (!isHelpRequest(result)) {
+    ValidationErrors errors;
+    ValueGroupValidator::validate(specification, result, errors, flags);
+    errors.throwIfErrors();
+  }
+  return result;
+}
+
+void ConfigurationManagerImpl::clearValueCache() { mValueCache.clear(); }
+
+void ConfigurationManagerImpl::setApplicationValues(const ValueGroup& values, int flags) {
+  ValueProvider* provider = getValueProvider(ConfigurationManager::APPLICATION_PROVIDER_NAME);
+  if (provider == 0) {
+    provider = new ApplicationValueProvider(0, "");
+    try {
+      registerValueProvider(provider);
+    } catch (...) {
+      delete provider;
+      throw;
+    }
+  } else {
+    provider->reset();
+  }
+  provider->enableProvider(values, flags);
+  clearValueCache();
+}
+
+void ConfigurationManagerImpl::validateValues(const Specification& specification,
+                                              ValueGroup& values,
+                                              ValidationErrors* errors) const {
+  ValidationErrors local;
+  ValidationErrors& collector = errors != 0 ? *errors : local;
+  SpecificationMatcher::match(values, specification, collector);
+  ValueGroupValidator::validate(specification, values, collector, 0);
+  if (errors == 0) {
+    local.throwIfErrors();
+  }
+}
+
+// Help, usage and representations.
+
+const char* ConfigurationManagerImpl::composeUsageMessage(const char* specificationId,
+                                                          const char* providerName) const {
+  ZELK_CONTRACT(providerName != 0 && *providerName != '\0');
+  ZELK_CONTRACT(specificationId != 0 && *specificationId != '\0');
+  // A missing specification is not an error here.
+  const Specification* specification = getSpecification(specificationId);
+  const ValueProvider* provider = getValueProvider(providerName);
+  mUsageMessage.clear();
+  if (specification == 0) {
+    // Nothing to describe: the text stays empty.
+  } else if (provider != 0) {
+    mUsageMessage = provider->composeUsageMessage(*specification);
+  } else {
+    CommandLineValueProvider temporary(1, "");
+    mUsageMessage = temporary.composeUsageMessage(*specification);
+  }
+  return mUsageMessage.c_str();
+}
+
+const char* ConfigurationManagerImpl::composeHelpMessage(const char* specificationId,
+                                                         unsigned long screenWidth,
+                                                         unsigned long maxParameterNameWidth,
+                                                         const char* providerName) const {
+  ZELK_CONTRACT(providerName != 0 && *providerName != '\0');
+  ZELK_CONTRACT(specificationId != 0 && *specificationId != '\0');
+  // A missing specification is not an error here.
+  const Specification* specification = getSpecification(specificationId);
+  const ValueProvider* provider = getValueProvider(providerName);
+  mHelpMessage.clear();
+  if (specification == 0) {
+    // Nothing to describe: the text stays empty.
+  } else if (provider != 0) {
+    mHelpMessage =
+        provider->composeHelpMessage(*specification, screenWidth, maxParameterNameWidth);
+  } else {
+    CommandLineValueProvider temporary(1, "");
+    mHelpMessage =
+        temporary.composeHelpMessage(*specification, screenWidth, maxParameterNameWidth);
+  }
+  return mHelpMessage.c_str();
+}
+
+const char* ConfigurationManagerImpl::getRepresentation(const ValueGroupItem& item) {
+  mRepresentation = ValueGroupItemStringGenerator::getString(item);
+  return mRepresentation.c_str();
+}
+
+const char* ConfigurationManagerImpl::getRepresentation(const GroupItem& item) {
+  mRepresentation = GroupItemStringGenerator::getString(item);
+  return mRepresentation.c_str();
+}
+
+const char* ConfigurationManagerImpl::getRepresentation(const Specification& specification) {
+  return getRepresentation(*specification.getItemsContainer());
+}
+
+}  // namespace zelk::configuration::impl

@@ -1,0 +1,47 @@
+// ContainerImpl: a container's id, name and description, and the searches that walk every item
+// below the container (through logical groups and one-ofs, not into nested containers).
+#pragma once
+
+#include <string>
+
+#include "zelk/configuration/Container.h"
+#include "zelk/configuration/impl/GroupItemCollectionImpl.h"
+
+namespace zelk::configuration::impl {
+
+class ContainerImpl : public GroupItemCollectionImpl {
+public:
+  static const int32_t UNUSED_CHARACTERISTICS = GroupItem::HIDDEN;
+
+  ContainerImpl(Container* self, const char* id, const char* name, const char* description,
+                int32_t characteristics);
+  ~ContainerImpl() override;
+
+  const char* getId() const override { return mId.c_str(); }
+  const char* getName() const;
+  const char* getDescription() const { return mDescription.c_str(); }
+
+  GroupItem::ItemType getItemType() const override { return GroupItem::CONTAINER; }
+  const char* getItemTypeName() const override;
+  bool accept(GroupItemVisitor& visitor) const override;
+  GroupItem* clone(GroupItem::CopyType copyType) const override;
+  int32_t getUnusedCharacteristics() const override { return UNUSED_CHARACTERISTICS; }
+
+  // Appends item (a contract: not null), then links it to this container.
+  void addItem(const GroupItem* item) override;
+
+  const GroupItem* findItem(const char* id) const override;
+  const Container* findContainer(const char* id) const override;
+  const ParameterRef* findParameterRef(const char* id) const override;
+
+private:
+  // Every search of a container goes through here: the first descendant of the item type
+  // (-1: any) whose id matches without regard to case.
+  const GroupItem* findDescendant(const char* id, int32_t itemType) const;
+
+  std::string mId;
+  std::string mDescription;
+  std::string mName;
+};
+
+}  // namespace zelk::configuration::impl

@@ -1,0 +1,228 @@
+#include "zelk/configuration/impl/ValueGroupState.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <string>
+
+#include "zelk/configuration/Container.h"
+#include "zelk/configuration/ParameterRef.h"
+#include "zelk/configuration/Value.h"
+#include "zelk/configuration/ValueGroup.h"
+#include "zelk/configuration/impl/ValueState.h"
+#include "zelk/util/Contracts.h"
+
+namespace zelk::configuration::impl {
+
+boost::shared_ptr<ValueGroupState> ValueGroupState::create(const char* name) {
+  return boost::shared_ptr<ValueGroupState>(new ValueGroupState(name));
+}
+
+boost::shared_ptr<ValueGroupState> ValueGroupState::create(const Container* container) {
+  return boost::shared_ptr<ValueGroupState>(new ValueGroupState(container));
+}
+
+ValueGroupState::ValueGroupState(const char* name) : ValueItemState(name), mComplete(false) {}
+
+ValueGroupState::ValueGroupState(const Container* container)
+    : ValueItemState(static_cast<const GroupItem*>(container)), mComplete(false) {}
+
+ValueGroupState::ValueGroupState(const ValueGroupState& other)
+    : ValueItemState(other),
+      boost::enable_shared_from_this<ValueGroupState>(),
+      mComplete(other.isComplete()) {}
+
+ValueGroupState::~ValueGroupState() {}
+
+bool ValueGroupState::isUnbounded() const {
+  // An unmatched group counts as unbounded by design.
+  return mGroupItem == 0 || mGroupItem->isUnbounded();
+}
+
+boost::shared_ptr<ValueItemState> ValueGroupState::clone(int shallow) const {
+  boost::shared_ptr<ValueGroupState> copy(new ValueGroupState(*this));
+  if (shallow == 0) {
+    // The children are copied from a snapshot, so that no lock of this group is held while the
+    // children's own states are read.
+    const Items items = getItems();
+    copy->mItems.reserve(items.size());
+    for (const boost::shared_ptr<ValueItemState>& item : items) {
+      boost::shared_ptr<ValueItemState> child = item->clone(0);
+      child->setParent(copy);
+      copy->mItems.push_back(child);
+    }
+  }
+  return copy;
+}
+
+void ValueGroupState::reset() {
+  Items items;
+  {
+    WriteGuard lock(mMutex);
+    items.swap(mItems);
+  }
+  for (const boost::shared_ptr<ValueItemState>& item : items) {
+    item->reset();
+  }
+  ValueItemState::reset();
+}
+
+const Container* ValueGroupState::getContainer() const {
+  if (mGroupItem == 0 || mGroupItem->getItemType() != GroupItem::CONTAINER) {
+    return 0;
+  }
+  return static_cast<const Container*>(mGroupItem);
+}
+
+size_t ValueGroupState::findIndex(const char* name, size_t start) const {
+  const size_t count = mItems.size();
+  for (size_t i = start; i < count; ++i) {
+    if (namesEqual(mItems[i]->getName(), name)) {
+      return i;
+    }
+  }
+  return count;
+}
+
+size_t ValueGroupState::getItemCount(const char* name) const {
+  ReadGuard lock(mMutex);
+  if (name == 0) {
+    return mItems.size();
+  }
+  size_t count = 0;
+  for (size_t i = findIndex(name); i < mItems.size(); i = findIndex(name, i + 1)) {
+    ++count;
+  }
+  return count;
+}
+
+boost::shared_ptr<ValueItemState> ValueGroupState::getItem(size_t index) const {
+  ReadGuard lock(mMutex);
+  ZELK_CONTRACT_MESSAGE(index < mItems.size(), "Contract violation: \"index < getItemCount()\"");
+  return mItems[index];
+}
+
+boost::shared_ptr<ValueItemState> ValueGroupState::tryGetItem(size_t index) const {
+  ReadGuard lock(mMutex);
+  if (index >= mItems.size()) {
+    return boost::shared_ptr<ValueItemState>();
+  }
+  return mItems[index];
+}
+
+boost::shared_ptr<ValueItemState> ValueGroupState::findItem(const char* name) const {
+  ZELK_CONTRACT(name != 0);
+  ReadGuard lock(mMutex);
+  const size_t index = findIndex(name);
+  if (index == mItems.size()) {
+    return boost::shared_ptr<ValueItemState>();
+  }
+  return mItems[index];
+}
+
+boost::shared_ptr<ValueState> ValueGroupState::findValueState(const char* name,
+                                                              size_t index) const {
+  const boost::shared_ptr<ValueItemState> item = findItem(name);
+  if (!item || !item->isValue()) {
+    return boost::shared_ptr<ValueState>();
+  }
+  boost::shared_ptr<ValueState> value = boost::static_pointer_cast<ValueState>(item);
+  // Deliberately count >= index: an index equal to the count passes here and fails in the read.
+  if (value->getValueCount() < index) {
+    throw std::out_of_range("Index " + std::to_string(index) + " is out of range");
+  }
+  return value;
+}
+
+ValueGroupState::Items ValueGroupState::getItems() const {
+  ReadGuard lock(mMutex);
+  return mItems;
+}
+
+bool ValueGroupState::findNextGroup(size_t& position, const char* name) const {
+  ReadGuard lock(mMutex);
+  const size_t count = mItems.size();
+  const bool anyName = name == 0 || *name == '\0';
+  size_t i = anyName ? position : findIndex(name, std::min(position, count));
+  while (i < count && !mItems[i]->isValueGroup()) {
+    i = anyName ? i + 1 : findIndex(name, i + 1);
+  }
+  position = std::max(i, position);
+  return i < count;
+}
+
+void ValueGroupState::add(const boost::shared_ptr<ValueItemState>& toAdd) {
+  ZELK_CONTRACT(toAdd);
+  boost::shared_ptr<ValueItemState> existing;
+  {
+    WriteGuard lock(mMutex);
+    if (toAdd->isValue()) {
+      const size_t index = findIndex(toAdd->getName());
+      if (index < mItems.size() && mItems[index]->isValue()) {
+        existing = mItems[index];
+      }
+    }
+    if (!existing) {
+      mItems.push_back(toAdd);
+      return;
+    }
+  }
+  // Values are unique by name: the new texts join the existing value. The value's own lock
+  // guards the append; this group's lock is not held meanwhile.
+  static_cast<ValueState&>(*existing).append(static_cast<const ValueState&>(*toAdd));
+}
+
+boost::shared_ptr<ValueItemState> ValueGroupState::remove(const char* name) {
+  ZELK_CONTRACT(name != 0 && *name != '\0');
+  UpgradeGuard lock(mMutex);
+  const size_t index = findIndex(name);
+  if (index == mItems.size()) {
+    return boost::shared_ptr<ValueItemState>();
+  }
+  UpgradeGuard::Exclusive exclusive(lock);
+  boost::shared_ptr<ValueItemState> removed = mItems[index];
+  mItems.erase(mItems.begin() + static_cast<std::ptrdiff_t>(index));
+  return removed;
+}
+
+boost::shared_ptr<ValueItemState> ValueGroupState::remove(size_t index) {
+  WriteGuard lock(mMutex);
+  ZELK_CONTRACT(index < mItems.size());
+  boost::shared_ptr<ValueItemState> removed = mItems[index];
+  mItems.erase(mItems.begin() + static_cast<std::ptrdiff_t>(index));
+  return removed;
+}
+
+void ValueGroupState::clear() {
+  Items items;
+  {
+    WriteGuard lock(mMutex);
+    items.swap(mItems);
+  }
+  // The items die (when nobody else holds them) after the lock is released.
+}
+
+Value ValueGroupState::getDefaultValueFor(const char* name) const {
+  const Container* container = getContainer();
+  if (container == 0 || name == 0 || *name == '\0') {
+    return Value::Null;
+  }
+  const ParameterRef* ref = container->findParameterRef(name);
+  if (ref == 0 || ref->getOneOf() != 0) {
+    return Value::Null;
+  }
+  return ref->getDefaultValue();
+}
+
+ValueGroup ValueGroupState::getDefaultValueGroup(const char* name) const {
+  const Container* container = getContainer();
+  if (container == 0 || name == 0 || *name == '\0') {
+    return ValueGroup::Null;
+  }
+  const Container* nested = container->findContainer(name);
+  if (nested == 0) {
+    return ValueGroup::Null;
+  }
+  return ValueGroup(nested);
+}
+
+}  // namespace zelk::configuration::impl

@@ -1,0 +1,109 @@
+// ValueGroupState: the shared state behind ValueGroup handles: the ordered list of items of one
+// group and its complete flag.
+//
+// Made only through create() (children keep a weak pointer to their group, taken from
+// shared_from_this). Readers take the group's mutex shared, writers exclusively; no lock is held
+// while another group's state is called, except the source's lock in clone().
+//
+//   boost::shared_ptr<impl::ValueGroupState> root = impl::ValueGroupState::create("root");
+//   ValueGroup group(root);
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <vector>
+
+#include <boost/enable_shared_from_this.hpp>
+#include <boost/shared_ptr.hpp>
+
+#include "zelk/configuration/impl/ValueItemState.h"
+#include "zelk/configuration/impl/ValueLocks.h"
+
+namespace zelk::configuration {
+class Container;
+class Value;
+class ValueGroup;
+}  // namespace zelk::configuration
+
+namespace zelk::configuration::impl {
+
+class ValueState;
+
+class ValueGroupState : public ValueItemState,
+                        public boost::enable_shared_from_this<ValueGroupState> {
+public:
+  typedef std::vector<boost::shared_ptr<ValueItemState>> Items;
+
+  // A new, empty group named name ("Must provide a name" for a null or empty name).
+  static boost::shared_ptr<ValueGroupState> create(const char* name);
+  // A new, empty group bound to container (contract "groupItem != 0").
+  static boost::shared_ptr<ValueGroupState> create(const Container* container);
+  ~ValueGroupState() override;
+
+  bool isValue() const override { return false; }
+  bool isValueGroup() const override { return true; }
+  // True when unbound (an unmatched group counts as unbounded), else the container's.
+  bool isUnbounded() const override;
+  // Deep (0): every item cloned into the copy; else an empty copy. Name, binding, parent and
+  // complete flag are kept; the copy has a new instance id.
+  boost::shared_ptr<ValueItemState> clone(int shallow) const override;
+  // Resets and removes every item, then drops the group's own binding and parent.
+  void reset() override;
+
+  // The bound container, or null.
+  const Container* getContainer() const;
+
+  // The number of items, or of items named name.
+  size_t getItemCount(const char* name = 0) const;
+  // The item at index; contract "index < getItemCount()".
+  boost::shared_ptr<ValueItemState> getItem(size_t index) const;
+  // The first item named name (case-insensitively), or empty; contract "name != 0".
+  boost::shared_ptr<ValueItemState> findItem(const char* name) const;
+  // The value named name if it holds at least index texts; std::out_of_range "Index <i> is out of
+  // range" when it holds fewer; empty when there is no value of that name.
+  boost::shared_ptr<ValueState> findValueState(const char* name, size_t index) const;
+  // A snapshot of the items, in order.
+  Items getItems() const;
+  // The item at index, or empty when index is not below the item count.
+  boost::shared_ptr<ValueItemState> tryGetItem(size_t index) const;
+  // Moves position (taken as the first candidate) to the first group at or after it named name
+  // (any group for a null or empty name) and returns true; when there is none, moves it to at
+  // least the item count and returns false.
+  bool findNextGroup(size_t& position, const char* name) const;
+
+  // Appends toAdd; a value whose name a value of this group already has is appended to that value
+  // instead (ValueState::append). Contract "toAdd".
+  void add(const boost::shared_ptr<ValueItemState>& toAdd);
+  // Removes the first item named name and returns it, or returns empty.
+  boost::shared_ptr<ValueItemState> remove(const char* name);
+  // Removes the item at index and returns it; contract "index < mItems.size()".
+  boost::shared_ptr<ValueItemState> remove(size_t index);
+  // Removes every item.
+  void clear();
+
+  bool isComplete() const { return mComplete.load(std::memory_order_acquire); }
+  void setComplete(bool complete) { mComplete.store(complete, std::memory_order_release); }
+
+  // The default value of the container's parameter reference name, when it is not a member of a
+  // one-of; else Value::Null. Unbound groups have no defaults.
+  Value getDefaultValueFor(const char* name) const;
+  // A new empty group bound to the container's nested container name, or ValueGroup::Null.
+  ValueGroup getDefaultValueGroup(const char* name) const;
+
+private:
+  explicit ValueGroupState(const char* name);
+  explicit ValueGroupState(const Container* container);
+  ValueGroupState(const ValueGroupState& other);
+
+  // The single place where items are looked up by name; the caller holds mMutex. Returns the
+  // position of the first item at or after start whose effective name equals name, or
+  // mItems.size(). Effective names follow the binding: ValueItemState::setName and setGroupItem
+  // rename an item that may already sit in a group.
+  size_t findIndex(const char* name, size_t start = 0) const;
+
+  mutable StateMutex mMutex;
+  Items mItems;
+  std::atomic<bool> mComplete;
+};
+
+}  // namespace zelk::configuration::impl

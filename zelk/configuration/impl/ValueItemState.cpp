@@ -1,0 +1,95 @@
+#include "zelk/configuration/impl/ValueItemState.h"
+
+#include "zelk/configuration/GroupItem.h"
+#include "zelk/configuration/impl/InstanceIds.h"
+#include "zelk/configuration/impl/ValueGroupState.h"
+#include "zelk/util/Contracts.h"
+
+namespace zelk::configuration::impl {
+
+namespace {
+
+const char* const ITEM_TYPE_NAMES[] = {"bounded value", "unbounded value", "bounded value group",
+                                       "unbounded value group"};
+
+char toLowerAscii(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; }
+
+}  // namespace
+
+ValueItemState::ValueItemState(const char* name)
+    : mInstanceId(getNextInstanceId()), mGroupItem(0) {
+  ZELK_CONTRACT_MESSAGE(name != 0 && *name != '\0', "Must provide a name");
+  mName = name;
+}
+
+ValueItemState::ValueItemState(const GroupItem* groupItem)
+    : mInstanceId(getNextInstanceId()), mGroupItem(groupItem) {
+  ZELK_CONTRACT(groupItem != 0);
+}
+
+ValueItemState::ValueItemState(const ValueItemState& other)
+    : mInstanceId(getNextInstanceId()),
+      mName(other.mName),
+      mGroupItem(other.mGroupItem),
+      mParent(other.mParent) {}
+
+ValueItemState::~ValueItemState() {}
+
+const GroupItem* ValueItemState::getGroupItem() const { return mGroupItem; }
+
+bool ValueItemState::matches(const GroupItem& groupItem) const {
+  if (mGroupItem != 0) {
+    return mGroupItem == &groupItem;
+  }
+  return namesEqual(mName.c_str(), groupItem.getId());
+}
+
+// Dropping the binding renames the item back to its stored name.
+void ValueItemState::reset() {
+  mGroupItem = 0;
+  mParent.reset();
+}
+
+const char* ValueItemState::getName() const {
+  return mGroupItem != 0 ? mGroupItem->getId() : mName.c_str();
+}
+
+// Renames the item: a group holding it finds it under the new name (see
+// ValueGroupState::findIndex).
+void ValueItemState::setName(const char* name) {
+  ZELK_CONTRACT_MESSAGE(name != 0 && *name != '\0', "Must provide a name");
+  mName = name;
+}
+
+boost::shared_ptr<ValueGroupState> ValueItemState::getParent() const { return mParent.lock(); }
+
+void ValueItemState::setParent(const boost::shared_ptr<ValueGroupState>& parent) {
+  mParent = parent;
+}
+
+// Binding renames the item to the group item's id, also for the group that already holds it.
+void ValueItemState::setGroupItem(const GroupItem* groupItem) {
+  ZELK_CONTRACT(groupItem != 0);
+  ZELK_CONTRACT(mGroupItem == 0 || mGroupItem == groupItem);
+  mGroupItem = groupItem;
+}
+
+const char* ValueItemState::getItemTypeName(ValueGroupItem::ItemType type) {
+  // The fourth entry is never returned: the range check below keeps it out on purpose.
+  ZELK_CONTRACT(type >= ValueGroupItem::VALUE && type <= ValueGroupItem::VALUE_GROUP);
+  return ITEM_TYPE_NAMES[type];
+}
+
+bool ValueItemState::namesEqual(const char* a, const char* b) {
+  if (a == 0 || b == 0) {
+    return a == b;
+  }
+  for (; *a != '\0' && *b != '\0'; ++a, ++b) {
+    if (toLowerAscii(*a) != toLowerAscii(*b)) {
+      return false;
+    }
+  }
+  return *a == *b;
+}
+
+}  // namespace zelk::configuration::impl

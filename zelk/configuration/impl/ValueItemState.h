@@ -1,0 +1,70 @@
+// ValueItemState: what the states behind value handles share: instance id, name, binding and the
+// link to the parent group.
+//
+// States are shared by handles through boost::shared_ptr; a group holds its items by shared
+// pointer and each item points back to its group weakly, so neither keeps the other alive.
+// Name, binding and parent are set while a tree is built and read afterwards; the item lists and
+// texts that change later are guarded by the subclasses' own reader/writer mutexes.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include <boost/shared_ptr.hpp>
+#include <boost/weak_ptr.hpp>
+
+#include "zelk/configuration/ValueGroupItem.h"
+
+namespace zelk::configuration {
+class GroupItem;
+}
+
+namespace zelk::configuration::impl {
+
+class ValueGroupState;
+
+class ValueItemState {
+public:
+  // A named, unbound item; "Must provide a name" for a null or empty name.
+  explicit ValueItemState(const char* name);
+  // An item bound to groupItem (name empty); contract "groupItem != 0".
+  explicit ValueItemState(const GroupItem* groupItem);
+  // A copy of name, binding and parent with a new instance id.
+  ValueItemState(const ValueItemState& other);
+  ValueItemState& operator=(const ValueItemState&) = delete;
+  virtual ~ValueItemState();
+
+  virtual bool isValue() const = 0;
+  virtual bool isValueGroup() const = 0;
+  virtual bool isUnbounded() const = 0;
+  // A copy with a new instance id; without contents when shallow is non-zero.
+  virtual boost::shared_ptr<ValueItemState> clone(int shallow) const = 0;
+  virtual const GroupItem* getGroupItem() const;
+  // Bound to groupItem, or, while unbound, named like groupItem's id (case-insensitively).
+  virtual bool matches(const GroupItem& groupItem) const;
+  // Drops binding and parent; name and id stay.
+  virtual void reset();
+
+  uint32_t getInstanceId() const { return mInstanceId; }
+  // The bound item's id when bound (binding renames the item), else the stored name.
+  const char* getName() const;
+  void setName(const char* name);
+  boost::shared_ptr<ValueGroupState> getParent() const;
+  void setParent(const boost::shared_ptr<ValueGroupState>& parent);
+  // Binds the item once; contracts "groupItem != 0" and "mGroupItem == 0 || mGroupItem ==
+  // groupItem".
+  void setGroupItem(const GroupItem* groupItem);
+
+  // The name of an item type; contract on the range VALUE..VALUE_GROUP.
+  static const char* getItemTypeName(ValueGroupItem::ItemType type);
+  // Whether two item names are equal, ignoring ASCII case (null equals only null).
+  static bool namesEqual(const char* a, const char* b);
+
+protected:
+  uint32_t mInstanceId;
+  std::string mName;
+  const GroupItem* mGroupItem;
+  boost::weak_ptr<ValueGroupState> mParent;
+};
+
+}  // namespace zelk::configuration::impl

@@ -1,0 +1,386 @@
+#include "zelk/configuration/impl/ValueState.h"
+
+#include <string>
+
+#include "zelk/configuration/ConfigurationException.h"
+#include "zelk/configuration/EnumDefinition.h"
+#include "zelk/configuration/GroupItem.h"
+#include "zelk/configuration/Parameter.h"
+#include "zelk/configuration/ParameterRef.h"
+#include "zelk/configuration/ValidationErrors.h"
+#include "zelk/configuration/impl/Convert.h"
+#include "zelk/util/Contracts.h"
+
+namespace zelk::configuration::impl {
+
+namespace {
+
+// The article before each value type name in "This value is not %s %s", by type code. The rows
+// for int64 and uint64 are kept as they are on purpose.
+const char* const ARTICLES[] = {"a", "a", "an", "an", "a", "an", "an", "a", "an"};
+
+const char* articleFor(int type) {
+  if (type < 0 || type >= static_cast<int>(sizeof(ARTICLES) / sizeof(ARTICLES[0]))) {
+    return "a";
+  }
+  return ARTICLES[type];
+}
+
+const char* typeNameOf(int type) {
+  return Parameter::getValueTypeName(static_cast<Parameter::ValueType>(type));
+}
+
+const char* parameterId(const Parameter* parameter) {
+  ZELK_CONTRACT(parameter != 0);
+  return parameter->getId();
+}
+
+// "red, green and blue": ", " before every name but the first, " and " before the last one
+// (so a single name reads " and red", kept as it is).
+std::string allowedSymbols(const EnumDefinition& enumDef) {
+  std::string list;
+  const size_t count = enumDef.getNumberOfValues();
+  for (size_t i = 0; i < count; ++i) {
+    if (i + 1 == count) {
+      list += " and ";
+    } else if (i > 0) {
+      list += ", ";
+    }
+    const char* symbol = enumDef.getSymbolicNameInDefinitionOrder(i);
+    list += symbol != 0 ? symbol : "";
+  }
+  return list;
+}
+
+}  // namespace
+
+ValueState::ValueState(const char* name) : ValueItemState(name), mDefaultParameter(0) {}
+
+ValueState::ValueState(const GroupItem* groupItem)
+    : ValueItemState(groupItem), mDefaultParameter(0) {}
+
+ValueState::ValueState(const Parameter* parameter)
+    : ValueItemState(parameterId(parameter)), mDefaultParameter(parameter) {}
+
+ValueState::ValueState(const ValueState& other, int shallow)
+    : ValueItemState(other), mDefaultParameter(other.mDefaultParameter) {
+  if (shallow == 0) {
+    ReadGuard lock(other.mMutex);
+    mTexts = other.mTexts;
+  }
+}
+
+ValueState::~ValueState() {}
+
+boost::shared_ptr<ValueState> ValueState::create(const char* name, const char* text) {
+  ZELK_CONTRACT_MESSAGE(name != 0 && *name != '\0', "Must provide a value name");
+  boost::shared_ptr<ValueState> state(new ValueState(name));
+  // A bare name is a flag that is on.
+  state->add(text != 0 && *text != '\0' ? text : "1");
+  return state;
+}
+
+boost::shared_ptr<ValueState> ValueState::create(const ParameterRef* ref, const char* text) {
+  ZELK_CONTRACT_MESSAGE(ref != 0, "Must provide a ParameterRef");
+  boost::shared_ptr<ValueState> state(new ValueState(static_cast<const GroupItem*>(ref)));
+  const Parameter* parameter = ref->getParameter();
+  if (parameter->getValueType() == Parameter::BOOL) {
+    if (text != 0) {
+      throw ConfigurationException("\"%s\" is a boolean parameter and cannot accept a value",
+                                   parameter->getName());
+    }
+    state->add(true);
+  } else {
+    if (text == 0 || *text == '\0') {
+      throw ConfigurationException("Must provide a value for the \"%s\" parameter.",
+                                   parameter->getName());
+    }
+    state->add(text);
+  }
+  return state;
+}
+
+boost::shared_ptr<ValueState> ValueState::createDefault(const Parameter* parameter,
+                                                        const char* text) {
+  boost::shared_ptr<ValueState> state(new ValueState(parameter));
+  if (text != 0) {
+    state->add(text);
+  }
+  return state;
+}
+
+bool ValueState::isUnbounded() const {
+  if (mDefaultParameter != 0) {
+    return false;
+  }
+  return mGroupItem == 0 || mGroupItem->isUnbounded();
+}
+
+boost::shared_ptr<ValueItemState> ValueState::clone(int shallow) const {
+  return boost::shared_ptr<ValueItemState>(new ValueState(*this, shallow));
+}
+
+const ParameterRef* ValueState::getParameterRef() const {
+  if (mGroupItem == 0 || mGroupItem->getItemType() != GroupItem::PARAMETER_REF) {
+    return 0;
+  }
+  return static_cast<const ParameterRef*>(mGroupItem);
+}
+
+const Parameter* ValueState::getParameter() const {
+  if (mDefaultParameter != 0) {
+    return mDefaultParameter;
+  }
+  const ParameterRef* ref = getParameterRef();
+  return ref != 0 ? ref->getParameter() : 0;
+}
+
+int ValueState::getValueType() const {
+  const Parameter* parameter = getParameter();
+  return parameter != 0 ? static_cast<int>(parameter->getValueType()) : UNTYPED;
+}
+
+const char* ValueState::getValueTypeName() const { return typeNameOf(getValueType()); }
+
+size_t ValueState::getValueCount() const {
+  ReadGuard lock(mMutex);
+  return mTexts.size();
+}
+
+bool ValueState::hasValues() const { return getValueCount() != 0; }
+
+void ValueState::validateValueType(int requested) const {
+  const int type = getValueType();
+  if (type != UNTYPED && type != requested) {
+    throwInvalidType(requested);
+  }
+}
+
+void ValueState::throwInvalidType(int requested) const {
+  throw ConfigurationException("This value is not %s %s", articleFor(requested),
+                               typeNameOf(requested));
+}
+
+const std::string& ValueState::textAt(size_t index) const {
+  ZELK_CONTRACT_MESSAGE(index < mTexts.size(), "index out of range");
+  return mTexts[index];
+}
+
+// Every typed read: the type check, then the conversion of the text under a shared lock. A text
+// that does not convert (possible only for untyped values or texts stored unchecked) is thrown
+// by the conversion as a ValidationException, since no error list is given.
+#define ZELK_VALUE_READ(TYPE, CONVERSION)           \
+  validateValueType(TYPE);                          \
+  ReadGuard lock(mMutex);                           \
+  return Convert::CONVERSION(textAt(index).c_str(), 0)
+
+bool ValueState::asBool(size_t index) const { ZELK_VALUE_READ(Parameter::BOOL, asBool); }
+
+int32_t ValueState::asInt32(size_t index) const { ZELK_VALUE_READ(Parameter::INT32, asInt32); }
+
+uint32_t ValueState::asUInt32(size_t index) const {
+  ZELK_VALUE_READ(Parameter::UINT32, asUInt32);
+}
+
+int64_t ValueState::asInt64(size_t index) const { ZELK_VALUE_READ(Parameter::INT64, asInt64); }
+
+uint64_t ValueState::asUInt64(size_t index) const {
+  ZELK_VALUE_READ(Parameter::UINT64, asUInt64);
+}
+
+double ValueState::asDouble(size_t index) const { ZELK_VALUE_READ(Parameter::DOUBLE, asDouble); }
+
+ObjectId ValueState::asOID(size_t index) const { ZELK_VALUE_READ(Parameter::OID, asOID); }
+
+#undef ZELK_VALUE_READ
+
+std::string ValueState::asString(size_t index) const {
+  if (getValueType() == Parameter::BOOL) {
+    return asBool(index) ? "true" : "false";
+  }
+  return getText(index);
+}
+
+std::string ValueState::getText(size_t index) const {
+  ReadGuard lock(mMutex);
+  return textAt(index);
+}
+
+const char* ValueState::getTextPointer(size_t index) const {
+  ReadGuard lock(mMutex);
+  return textAt(index).c_str();
+}
+
+std::vector<std::string> ValueState::getTexts() const {
+  ReadGuard lock(mMutex);
+  return mTexts;
+}
+
+int32_t ValueState::getEnumValue(const char* text) const {
+  const Parameter* parameter = getParameter();
+  const EnumDefinition* enumDef = parameter != 0 ? parameter->getEnumDefinition() : 0;
+  if (enumDef == 0) {
+    throw ConfigurationException("Unknown enumeration type for value '%s'",
+                                 text != 0 ? text : "");
+  }
+  ValidationErrors errors;
+  const int32_t value = enumDef->getValue(text != 0 ? text : "", &errors);
+  errors.throwIfErrors();
+  return value;
+}
+
+void ValueState::checkWritable() const {
+  ReadGuard lock(mMutex);
+  checkWritableLocked();
+}
+
+void ValueState::checkWritableLocked() const {
+  if (mDefaultParameter != 0 && !mTexts.empty()) {
+    throw ConfigurationException("'%s' is a default value, it cannot be modified", getName());
+  }
+}
+
+void ValueState::validateText(const char* text, ValidationErrors& errors) const {
+  switch (getValueType()) {
+    case Parameter::BOOL:
+      Convert::asBool(text, &errors);
+      break;
+    case Parameter::INT32:
+      Convert::asInt32(text, &errors);
+      break;
+    case Parameter::UINT32:
+      Convert::asUInt32(text, &errors);
+      break;
+    case Parameter::INT64:
+      Convert::asInt64(text, &errors);
+      break;
+    case Parameter::UINT64:
+      Convert::asUInt64(text, &errors);
+      break;
+    case Parameter::DOUBLE:
+      Convert::asDouble(text, &errors);
+      break;
+    case Parameter::OID:
+      Convert::asOID(text, &errors);
+      break;
+    case Parameter::ENUM: {
+      const Parameter* parameter = getParameter();
+      const EnumDefinition* enumDef = parameter->getEnumDefinition();
+      ValidationErrors symbolErrors;
+      Convert::asEnum(enumDef, text, &symbolErrors);
+      if (symbolErrors.getNumberOfErrors() != 0) {
+        const std::string message = std::string("The value \"") + (text != 0 ? text : "") +
+                                    "\" is not valid for the \"" + parameter->getName() +
+                                    "\" parameter. Allowed values for this parameter are: " +
+                                    allowedSymbols(*enumDef) + ".";
+        errors.addError("%s", message.c_str());
+      }
+      break;
+    }
+    default:
+      // Strings and untyped values take any text.
+      break;
+  }
+}
+
+void ValueState::add(const char* text) {
+  UpgradeGuard lock(mMutex);
+  checkWritableLocked();
+  ValidationErrors errors;
+  validateText(text, errors);
+  errors.throwIfErrors();
+  UpgradeGuard::Exclusive exclusive(lock);
+  mTexts.push_back(text != 0 ? text : "");
+}
+
+void ValueState::addTyped(int type, const std::string& text) {
+  UpgradeGuard lock(mMutex);
+  checkWritableLocked();
+  validateValueType(type);
+  UpgradeGuard::Exclusive exclusive(lock);
+  mTexts.push_back(text);
+}
+
+void ValueState::add(bool value) { addTyped(Parameter::BOOL, Convert::asString(value)); }
+void ValueState::add(int32_t value) { addTyped(Parameter::INT32, Convert::asString(value)); }
+void ValueState::add(uint32_t value) { addTyped(Parameter::UINT32, Convert::asString(value)); }
+void ValueState::add(int64_t value) { addTyped(Parameter::INT64, Convert::asString(value)); }
+void ValueState::add(uint64_t value) { addTyped(Parameter::UINT64, Convert::asString(value)); }
+void ValueState::add(double value) { addTyped(Parameter::DOUBLE, Convert::asString(value)); }
+void ValueState::add(const ObjectId& value) { addTyped(Parameter::OID, Convert::asString(value)); }
+
+void ValueState::set(size_t index, const char* text) {
+  UpgradeGuard lock(mMutex);
+  checkWritableLocked();
+  ZELK_CONTRACT_MESSAGE(index < mTexts.size(), "index out of range");
+  ValidationErrors errors;
+  validateText(text, errors);
+  errors.throwIfErrors();
+  UpgradeGuard::Exclusive exclusive(lock);
+  mTexts[index] = text != 0 ? text : "";
+}
+
+void ValueState::setTyped(size_t index, int type, const std::string& text) {
+  UpgradeGuard lock(mMutex);
+  checkWritableLocked();
+  validateValueType(type);
+  ZELK_CONTRACT_MESSAGE(index < mTexts.size(), "index out of range");
+  UpgradeGuard::Exclusive exclusive(lock);
+  mTexts[index] = text;
+}
+
+void ValueState::set(size_t index, bool value) {
+  setTyped(index, Parameter::BOOL, Convert::asString(value));
+}
+void ValueState::set(size_t index, int32_t value) {
+  setTyped(index, Parameter::INT32, Convert::asString(value));
+}
+void ValueState::set(size_t index, uint32_t value) {
+  setTyped(index, Parameter::UINT32, Convert::asString(value));
+}
+void ValueState::set(size_t index, int64_t value) {
+  setTyped(index, Parameter::INT64, Convert::asString(value));
+}
+void ValueState::set(size_t index, uint64_t value) {
+  setTyped(index, Parameter::UINT64, Convert::asString(value));
+}
+void ValueState::set(size_t index, double value) {
+  setTyped(index, Parameter::DOUBLE, Convert::asString(value));
+}
+void ValueState::set(size_t index, const ObjectId& value) {
+  setTyped(index, Parameter::OID, Convert::asString(value));
+}
+
+void ValueState::addNoTypeCheck(const char* text) {
+  WriteGuard lock(mMutex);
+  mTexts.push_back(text != 0 ? text : "");
+}
+
+void ValueState::append(const ValueState& other) {
+  const int type = getValueType();
+  const int otherType = other.getValueType();
+  if (type != UNTYPED && type != otherType) {
+    throw ConfigurationException(
+        "Values of %s type cannot be appended to this %s type unbounded value",
+        typeNameOf(otherType), typeNameOf(type));
+  }
+  // The source's texts are taken first, so that the two locks are never held together (and a
+  // value can be appended to itself).
+  const std::vector<std::string> texts = other.getTexts();
+  WriteGuard lock(mMutex);
+  mTexts.insert(mTexts.end(), texts.begin(), texts.end());
+}
+
+boost::shared_ptr<ValueState> ValueState::saveOldValue(size_t index) const {
+  if (mGroupItem == 0) {
+    return boost::shared_ptr<ValueState>();
+  }
+  boost::shared_ptr<ValueState> old(new ValueState(getName()));
+  old->setGroupItem(mGroupItem);
+  if (index < getValueCount()) {
+    old->addNoTypeCheck(asString(index).c_str());
+  }
+  return old;
+}
+
+}  // namespace zelk::configuration::impl

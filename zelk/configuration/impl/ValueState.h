@@ -1,0 +1,142 @@
+// ValueState: the shared state behind Value and UnboundedValue handles: the texts of one value.
+//
+// Values are stored as texts and converted by Convert on every typed read; typed writes are
+// converted to text first. Readers take the state's mutex shared; writers take it upgradable for
+// their checks (so validation does not block readers) and exclusive only for the store. A failed
+// write leaves the texts unchanged.
+//
+//   boost::shared_ptr<impl::ValueState> state = impl::ValueState::create(ref, "42");
+//   state->asInt32(0);   // 42
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <boost/shared_ptr.hpp>
+
+#include "zelk/configuration/ObjectId.h"
+#include "zelk/configuration/impl/ValueItemState.h"
+#include "zelk/configuration/impl/ValueLocks.h"
+
+namespace zelk::configuration {
+class GroupItem;
+class Parameter;
+class ParameterRef;
+class ValidationErrors;
+}  // namespace zelk::configuration
+
+namespace zelk::configuration::impl {
+
+class ValueState : public ValueItemState {
+public:
+  // The value type of a value without parameter: it accepts every typed access.
+  static const int UNTYPED = -1;
+
+  // An empty, unbound value; "Must provide a name" for a null or empty name.
+  explicit ValueState(const char* name);
+  // An empty value bound to groupItem.
+  explicit ValueState(const GroupItem* groupItem);
+  // An empty default value of parameter, named by the parameter's id.
+  explicit ValueState(const Parameter* parameter);
+  // A copy (new instance id) with the texts, or without them when shallow is non-zero.
+  ValueState(const ValueState& other, int shallow);
+  ~ValueState() override;
+
+  // A value named name holding text, or "1" for a null or empty text; contract "Must provide a
+  // value name".
+  static boost::shared_ptr<ValueState> create(const char* name, const char* text);
+  // A value bound to ref holding text; contract "Must provide a ParameterRef". Booleans take no
+  // text (null means true); other types need a non-empty one.
+  static boost::shared_ptr<ValueState> create(const ParameterRef* ref, const char* text);
+  // The default value of parameter holding text, validated by the parameter's type.
+  static boost::shared_ptr<ValueState> createDefault(const Parameter* parameter, const char* text);
+
+  bool isValue() const override { return true; }
+  bool isValueGroup() const override { return false; }
+  // False for a default value; true while unbound; else the bound item's.
+  bool isUnbounded() const override;
+  boost::shared_ptr<ValueItemState> clone(int shallow) const override;
+
+  // The default parameter, else the bound reference's parameter, else null.
+  const Parameter* getParameter() const;
+  // The bound parameter reference, or null.
+  const ParameterRef* getParameterRef() const;
+  // The parameter's value type, or UNTYPED.
+  int getValueType() const;
+  const char* getValueTypeName() const;
+  bool isDefaultValue() const { return mDefaultParameter != 0; }
+  size_t getValueCount() const;
+  bool hasValues() const;
+
+  // Typed reads of text index, after the type check ("This value is not %s %s"); contract "index
+  // out of range".
+  bool asBool(size_t index) const;
+  int32_t asInt32(size_t index) const;
+  uint32_t asUInt32(size_t index) const;
+  int64_t asInt64(size_t index) const;
+  uint64_t asUInt64(size_t index) const;
+  double asDouble(size_t index) const;
+  ObjectId asOID(size_t index) const;
+  // "true"/"false" for a boolean value, else the stored text.
+  std::string asString(size_t index) const;
+  // The stored text at index, unconverted.
+  std::string getText(size_t index) const;
+  // A pointer to the stored text at index, valid until the value is next changed.
+  const char* getTextPointer(size_t index) const;
+  // A copy of every text.
+  std::vector<std::string> getTexts() const;
+  // The number of an enumeration symbol; ConfigurationException "Unknown enumeration type for
+  // value '%s'" without an enumeration.
+  int32_t getEnumValue(const char* text) const;
+
+  // Validates text by the value type and appends it.
+  void add(const char* text);
+  void add(bool value);
+  void add(int32_t value);
+  void add(uint32_t value);
+  void add(int64_t value);
+  void add(uint64_t value);
+  void add(double value);
+  void add(const ObjectId& value);
+  // Replaces text index after the same checks.
+  void set(size_t index, const char* text);
+  void set(size_t index, bool value);
+  void set(size_t index, int32_t value);
+  void set(size_t index, uint32_t value);
+  void set(size_t index, int64_t value);
+  void set(size_t index, uint64_t value);
+  void set(size_t index, double value);
+  void set(size_t index, const ObjectId& value);
+  // Appends text without any check (for providers that validated it already).
+  void addNoTypeCheck(const char* text);
+  // Appends all of other's texts, unvalidated; ConfigurationException "Values of %s type cannot
+  // be appended to this %s type unbounded value" when both are typed and differ.
+  void append(const ValueState& other);
+
+  // A new state of the same name and binding holding text index (when there is one), or empty
+  // for an unmatched value.
+  boost::shared_ptr<ValueState> saveOldValue(size_t index) const;
+
+  // Passes when the value is untyped or of type requested; else throws "This value is not %s %s".
+  void validateValueType(int requested) const;
+  // Throws "'%s' is a default value, it cannot be modified" for a default value holding texts.
+  void checkWritable() const;
+
+private:
+  // Type check, writability check and the store of a converted typed value.
+  void addTyped(int type, const std::string& text);
+  void setTyped(size_t index, int type, const std::string& text);
+  // Appends the validation error of text for this value's type to errors.
+  void validateText(const char* text, ValidationErrors& errors) const;
+  void checkWritableLocked() const;
+  [[noreturn]] void throwInvalidType(int requested) const;
+  const std::string& textAt(size_t index) const;
+
+  mutable StateMutex mMutex;
+  const Parameter* mDefaultParameter;
+  std::vector<std::string> mTexts;
+};
+
+}  // namespace zelk::configuration::impl

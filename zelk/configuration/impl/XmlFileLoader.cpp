@@ -1,0 +1,127 @@
+#include "zelk/configuration/impl/XmlFileLoader.h"
+
+#include <cstring>
+
+#include "zelk/host/XmlTokenReader.h"
+
+namespace zelk::configuration::impl {
+
+namespace {
+
+// Texts are read into a slightly larger buffer than kept, so that a text longer than the limit is
+// seen as such: the reader cuts at a character boundary, at most 3 bytes short of the buffer.
+const size_t PROBE_SIZE = XmlFileLoader::BUFFER_SIZE + 4;
+const size_t MAX_TEXT_LENGTH = XmlFileLoader::BUFFER_SIZE - 1;
+
+}  // namespace
+
+XmlFileLoader::XmlFileLoader(zelk::host::XmlTokenReader& reader)
+    : mReader(reader), mName(PROBE_SIZE), mText(PROBE_SIZE) {}
+
+ValueGroup XmlFileLoader::loadElement() {
+  ValueGroup element;
+  if (!loadElement(element)) {
+    return ValueGroup::Null;
+  }
+  return element;
+}
+
+ValueGroup XmlFileLoader::loadDocument() {
+  ValueGroup root = loadElement();
+  if (root.isNull()) {
+    return root;
+  }
+  // A second root element or stray text after the first would otherwise be dropped unseen.
+  if (!mReader.skipComments() || !mReader.atEnd()) {
+    fail("end of document");
+    return ValueGroup::Null;
+  }
+  return root;
+}
+
+bool XmlFileLoader::loadElement(ValueGroup& out) {
+  if (!mReader.skipComments() || !mReader.acceptToken("<")) {
+    return fail("<");
+  }
+  // The buffers are shared by every level: the element's name is kept in its group and its closing
+  // tag before any child is read.
+  if (!readName(mName.data(), "an element name")) {
+    return false;
+  }
+  if (!mReader.enterElement()) {
+    return fail(0);
+  }
+  ValueGroup element(mName.data());
+  while (!mReader.atToken("/>") && !mReader.atToken(">")) {
+    if (!readName(mName.data(), "an attribute name, \">\" or \"/>\"")) {
+      return false;
+    }
+    if (!mReader.acceptToken("=")) {
+      return fail("=");
+    }
+    if (!readValue(mText.data(), mName.data())) {
+      return false;
+    }
+    element.addValue(mName.data(), mText.data());
+  }
+  if (!mReader.acceptToken("/>")) {
+    mReader.acceptToken(">");
+    const std::string closingTag = std::string("</") + element.getName() + ">";
+    for (;;) {
+      if (!mReader.skipComments()) {
+        return fail(0);
+      }
+      if (mReader.acceptToken(closingTag.c_str())) {
+        break;
+      }
+      ValueGroup child;
+      if (!loadElement(child)) {
+        return false;
+      }
+      element.add(child);
+    }
+  }
+  mReader.leaveElement();
+  out = element;
+  return true;
+}
+
+bool XmlFileLoader::readName(char* buffer, const char* expected) {
+  // A quoted text is not a name, although the reader would read it as one.
+  if (mReader.atToken("\"") || mReader.atToken("'") || !mReader.acceptValue(buffer, PROBE_SIZE)) {
+    return fail(expected);
+  }
+  if (std::strlen(buffer) > MAX_TEXT_LENGTH) {
+    return failWith("A name longer than 1024 bytes ends");
+  }
+  return true;
+}
+
+bool XmlFileLoader::readValue(char* buffer, const char* attribute) {
+  if (!mReader.acceptValue(buffer, PROBE_SIZE)) {
+    return fail("a quoted value");
+  }
+  if (std::strlen(buffer) > MAX_TEXT_LENGTH) {
+    return failWith(std::string("The value of the attribute \"") + attribute +
+                    "\" is longer than 1024 bytes; it ends");
+  }
+  return true;
+}
+
+bool XmlFileLoader::fail(const char* expected) {
+  mReader.warnUnexpected(expected);
+  mMessage = mReader.getErrorText();
+  return false;
+}
+
+bool XmlFileLoader::failWith(const std::string& text) {
+  std::string message = text + " at " + mReader.describePosition();
+  if (*mReader.getDocumentName() != '\0') {
+    message += std::string(" in \"") + mReader.getDocumentName() + "\"";
+  }
+  mReader.setErrorText(message.c_str());
+  mMessage = message;
+  return false;
+}
+
+}  // namespace zelk::configuration::impl

@@ -1,0 +1,64 @@
+// XmlFileLoader: reads one element of an XML value file, with its attributes and child elements,
+// into a value group: the element's name (prefix included) names the group, each attribute becomes
+// a value, each child element a child group, in document order. Comments are skipped.
+//
+//   zelk::host::XmlTokenReader reader;
+//   if (reader.openFile(path)) {
+//     XmlFileLoader loader(reader);
+//     ValueGroup root = loader.loadElement();
+//     if (root.isNull()) report(loader.getMessage());
+//   }
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "zelk/configuration/ValueGroup.h"
+
+namespace zelk::host {
+class XmlTokenReader;
+}
+
+namespace zelk::configuration::impl {
+
+class XmlFileLoader {
+public:
+  // Names and attribute values are read into buffers of this many bytes: at most 1024 bytes of
+  // text. Longer ones are refused rather than silently cut.
+  static const size_t BUFFER_SIZE = 1025;
+
+  explicit XmlFileLoader(zelk::host::XmlTokenReader& reader);
+
+  // The next element as a group, or ValueGroup::Null after an error (see getMessage()).
+  ValueGroup loadElement();
+  // The whole document: its one root element with nothing but comments after it.
+  ValueGroup loadDocument();
+  // The error met, naming its line and column; empty when there was none.
+  const std::string& getMessage() const { return mMessage; }
+
+private:
+  XmlFileLoader(const XmlFileLoader&) = delete;
+  XmlFileLoader& operator=(const XmlFileLoader&) = delete;
+
+  // Loads one element into out; false after an error. Nesting is bounded by the reader's element
+  // depth, so no file can exhaust the stack.
+  bool loadElement(ValueGroup& out);
+  // Reads a name (not a quoted text) into buffer; false after an error.
+  bool readName(char* buffer, const char* expected);
+  // Reads an attribute's value into buffer; false after an error.
+  bool readValue(char* buffer, const char* attribute);
+  // Reports the token at the current position as unexpected (keeping an error the reader met
+  // first); returns false.
+  bool fail(const char* expected);
+  // Reports text of our own at the current position; returns false.
+  bool failWith(const std::string& text);
+
+  zelk::host::XmlTokenReader& mReader;
+  std::string mMessage;
+  // Reading buffers, a little larger than BUFFER_SIZE so that an overlong text is noticed.
+  std::vector<char> mName;
+  std::vector<char> mText;
+};
+
+}  // namespace zelk::configuration::impl

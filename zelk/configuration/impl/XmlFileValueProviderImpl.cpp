@@ -1,0 +1,67 @@
+#include "zelk/configuration/impl/XmlFileValueProviderImpl.h"
+
+#include "zelk/configuration/ConfigurationException.h"
+#include "zelk/configuration/ConfigurationManager.h"
+#include "zelk/configuration/Specification.h"
+#include "zelk/configuration/ValidationErrors.h"
+#include "zelk/configuration/impl/SpecificationMatcher.h"
+#include "zelk/configuration/impl/SpecificationValuesFinder.h"
+#include "zelk/configuration/impl/UnboundedParameterValueFixer.h"
+#include "zelk/configuration/impl/XmlFileLoader.h"
+#include "zelk/host/XmlTokenReader.h"
+
+namespace zelk::configuration::impl {
+
+// The description is accepted for symmetry with the other providers; nothing reads it.
+XmlFileValueProviderImpl::XmlFileValueProviderImpl(int priority, const std::string&)
+    : ValueProviderImpl(ConfigurationManager::XML_FILE_PROVIDER_NAME, priority,
+                        ConfigurationManager::XML_FILE_PROVIDER_NAME),
+      mValues(ConfigurationManager::XML_FILE_PROVIDER_NAME),
+      mFixed(false) {}
+
+XmlFileValueProviderImpl::~XmlFileValueProviderImpl() {}
+
+void XmlFileValueProviderImpl::setArguments(const char* path, int) {
+  mXmlFilePath = path != 0 ? path : "";
+  zelk::host::XmlTokenReader reader;
+  if (!reader.openFile(mXmlFilePath.c_str())) {
+    throw ConfigurationException("File \"%s\" was not found", mXmlFilePath.c_str());
+  }
+  XmlFileLoader loader(reader);
+  ValueGroup loaded = loader.loadDocument();
+  if (loaded.isNull()) {
+    // The message quotes the file's content, so it is added as a text without arguments.
+    ValidationErrors errors;
+    errors.addErrorAsFormat(loader.getMessage().c_str());
+    errors.throwIfErrors();
+  }
+  mValues = loaded;
+  mFixed = false;
+}
+
+void XmlFileValueProviderImpl::setArguments(int argc, const char* const* argv, const char*,
+                                            int options) {
+  if (argc <= 0) {
+    throw ConfigurationException("%s", "Must provide at least one argument");
+  }
+  setArguments(argv != 0 ? argv[0] : 0, options);
+}
+
+ValueGroup XmlFileValueProviderImpl::getSpecificationValues(const Specification& spec, int) const {
+  if (!mFixed) {
+    // Rewritten once, for the first specification asked; later ones see this tree (on purpose).
+    mValues = UnboundedParameterValueFixer::fix(mValues, spec);
+    mFixed = true;
+  }
+  if (mValues.isNull()) {
+    return ValueGroup(&spec);
+  }
+  ValueGroup copy(mValues, 0);
+  ValidationErrors errors;
+  SpecificationMatcher::match(copy, spec, errors);
+  errors.throwIfErrors();
+  ValueGroup found = SpecificationValuesFinder::find(copy, spec.getItemsContainer());
+  return found.isNull() ? ValueGroup(&spec) : found;
+}
+
+}  // namespace zelk::configuration::impl

@@ -1,0 +1,49 @@
+// XmlFileValueProviderImpl: reads an XML value file into a generic value tree once, and answers
+// each specification with the matched part of it.
+//
+// Parameters written as elements (the form used for values given several times) are rewritten
+// into plain values on the first request; the tree rewritten for that first specification is kept
+// for later ones on purpose.
+//
+//   XmlFileValueProviderImpl impl(3, "");
+//   impl.setArguments("/etc/backup/values.xml", 0);
+//   ValueGroup raw = impl.getSpecificationValues(*spec, 0);
+#pragma once
+
+#include <string>
+
+#include "zelk/configuration/ValueGroup.h"
+#include "zelk/configuration/impl/ValueProviderImpl.h"
+
+namespace zelk::configuration::impl {
+
+class XmlFileValueProviderImpl : public ValueProviderImpl {
+public:
+  XmlFileValueProviderImpl(int priority, const std::string& description);
+  ~XmlFileValueProviderImpl() override;
+
+  // Loads the file at path. Throws ConfigurationException "File \"%s\" was not found" when it
+  // cannot be opened and ValidationException with the reader's message when it is malformed; in
+  // both cases the tree loaded before stays.
+  void setArguments(const char* path, int options) override;
+  // Loads argv[0]; throws ConfigurationException "Must provide at least one argument" when argc
+  // is not positive.
+  void setArguments(int argc, const char* const* argv, const char* specificationId,
+                    int options) override;
+
+  // A deep copy of the file's tree matched to spec, narrowed to the group matched to spec's items
+  // container (a new empty group for spec when there is none). Throws ConfigurationException for a
+  // parameter element without a "value" attribute, ValidationException when matching fails.
+  ValueGroup getSpecificationValues(const Specification& spec, int options) const override;
+
+  const char* getXmlFilePath() const { return mXmlFilePath.c_str(); }
+
+private:
+  // The tree read from the file; a group named "XML_FILE" before the first load.
+  mutable ValueGroup mValues;
+  // True once parameter elements of mValues were rewritten.
+  mutable bool mFixed;
+  std::string mXmlFilePath;
+};
+
+}  // namespace zelk::configuration::impl

@@ -1,0 +1,31 @@
+// The host's main log: an ordered list of (category, text) entries kept in the process, and
+// optionally appended to a log file with a timestamp.
+//
+//   zelk::host::hostSetMainLogFile("/var/log/zelk/main.log");   // optional
+//   zelk::host::hostAddToMainLog("Configuration", "loadConfigurationFile: [succeeded]");
+//   for (const auto& [category, text] : zelk::host::hostGetMainLog()) { ... }
+//
+// All functions are thread-safe.
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace zelk::host {
+
+// Appends one entry. A null category or text is taken as empty. When a log file is set, the entry
+// is also appended there as "<YYYY-MM-DD HH:MM:SS> [<category>] <text>" and a newline.
+void hostAddToMainLog(const char* category, const char* text);
+
+// A copy of every entry since the last hostClearMainLog(), oldest first: (category, text).
+std::vector<std::pair<std::string, std::string>> hostGetMainLog();
+
+// Empties the in-process list (the log file is left as it is).
+void hostClearMainLog();
+
+// Names the log file to which later entries are appended (null or empty: none). Returns false,
+// and keeps no file, when the file cannot be opened for appending.
+bool hostSetMainLogFile(const char* path);
+
+}  // namespace zelk::host

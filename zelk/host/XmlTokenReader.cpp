@@ -1,0 +1,660 @@
+#include "zelk/host/XmlTokenReader.h"
+
+#include <sys/stat.h>
+
+#include <cstdio>
+#include <cstring>
+#include <new>
+
+namespace zelk::host {
+
+namespace {
+
+// The longest token text quoted in an error message.
+const std::size_t MAX_TOKEN_IN_MESSAGE = 64;
+
+inline bool isWhiteSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+
+inline bool isNameChar(char c) {
+  const unsigned char u = static_cast<unsigned char>(c);
+  return (u >= 'a' && u <= 'z') || (u >= 'A' && u <= 'Z') || (u >= '0' && u <= '9') || u == '_' ||
+         u == '-' || u == '.' || u == ':' || u >= 0x80;
+}
+
+// The length of the UTF-8 sequence that starts with lead (the document is validated, so a lead
+// byte is always followed by its continuation bytes).
+inline std::size_t sequenceLength(char lead) {
+  const unsigned char u = static_cast<unsigned char>(lead);
+  return u < 0x80 ? 1 : u < 0xE0 ? 2 : u < 0xF0 ? 3 : 4;
+}
+
+std::size_t encodeUtf8(unsigned int cp, char* out) {
+  if (cp < 0x80) {
+    out[0] = static_cast<char>(cp);
+    return 1;
+  }
+  if (cp < 0x800) {
+    out[0] = static_cast<char>(0xC0 | (cp >> 6));
+    out[1] = static_cast<char>(0x80 | (cp & 0x3F));
+    return 2;
+  }
+  if (cp < 0x10000) {
+    out[0] = static_cast<char>(0xE0 | (cp >> 12));
+    out[1] = static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
+    out[2] = static_cast<char>(0x80 | (cp & 0x3F));
+    return 3;
+  }
+  out[0] = static_cast<char>(0xF0 | (cp >> 18));
+  out[1] = static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
+  out[2] = static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
+  out[3] = static_cast<char>(0x80 | (cp & 0x3F));
+  return 4;
+}
+
+// Copies whole characters into a caller buffer and cuts silently when it is full: once one
+// character does not fit, no later one is written either.
+class BoundedOutput {
+public:
+  BoundedOutput(char* buffer, std::size_t size)
+      : mBuffer(buffer != nullptr && size > 0 ? buffer : nullptr),
+        mLimit(mBuffer != nullptr ? size - 1 : 0) {}
+  ~BoundedOutput() {
+    if (mBuffer != nullptr) {
+      mBuffer[mLength] = '\0';
+    }
+  }
+  void append(const char* bytes, std::size_t count) {
+    if (mFull || mLength + count > mLimit) {
+      mFull = true;
+      return;
+    }
+    std::memcpy(mBuffer + mLength, bytes, count);
+    mLength += count;
+  }
+  void append(char c) { append(&c, 1); }
+
+private:
+  char* mBuffer;
+  std::size_t mLimit;
+  std::size_t mLength = 0;
+  bool mFull = false;
+};
+
+bool isXmlChar(unsigned int cp) {
+  return cp == 0x9 || cp == 0xA || cp == 0xD || (cp >= 0x20 && cp <= 0xD7FF) ||
+         (cp >= 0xE000 && cp <= 0xFFFD) || (cp >= 0x10000 && cp <= 0x10FFFF);
+}
+
+std::string hexByte(unsigned char u) {
+  char text[8];
+  std::snprintf(text, sizeof text, "0x%02X", u);
+  return text;
+}
+
+}  // namespace
+
+XmlTokenReader::XmlTokenReader() = default;
+
+XmlTokenReader::~XmlTokenReader() { delete[] mData; }
+
+void XmlTokenReader::reset() {
+  delete[] mData;
+  mData = nullptr;
+  mSize = 0;
+  mPos = 0;
+  mStart = 0;
+  mName.clear();
+  mErrorText.clear();
+  mFailed = false;
+  mDepth = 0;
+  mLineCacheOffset = 0;
+  mLineCacheStart = 0;
+  mLineCacheLine = 1;
+}
+
+bool XmlTokenReader::openFile(const char* path) {
+  reset();
+  if (path == nullptr || *path == '\0') {
+    mErrorText = "No file name given";
+    mFailed = true;
+    return false;
+  }
+  mName = path;
+  struct stat info;
+  std::FILE* file = nullptr;
+  // Only regular files and pipes are documents: a directory or a device such as /dev/zero is not.
+  if (stat(path, &info) != 0 || !(S_ISREG(info.st_mode) || S_ISFIFO(info.st_mode)) ||
+      (file = std::fopen(path, "rb")) == nullptr) {
+    mErrorText = "File \"" + mName + "\" cannot be opened";
+    mFailed = true;
+    return false;
+  }
+  // Read in one go when the size is known, growing for files whose size the system does not
+  // report (pipes, /proc).
+  std::size_t capacity = info.st_size > 0 ? static_cast<std::size_t>(info.st_size) + 1 : 4096;
+  char* data = new char[capacity + 1];
+  std::size_t size = 0;
+  bool failed = false;
+  for (;;) {
+    size += std::fread(data + size, 1, capacity - size, file);
+    if (size < capacity) {
+      failed = std::ferror(file) != 0;
+      break;
+    }
+    char* bigger = new char[capacity * 2 + 1];
+    std::memcpy(bigger, data, size);
+    delete[] data;
+    data = bigger;
+    capacity *= 2;
+  }
+  std::fclose(file);
+  if (failed) {
+    delete[] data;
+    mErrorText = "File \"" + mName + "\" cannot be read";
+    mFailed = true;
+    return false;
+  }
+  data[size] = '\0';
+  mData = data;
+  mSize = size;
+  validate();
+  return true;
+}
+
+void XmlTokenReader::openBuffer(const char* data, std::size_t size, const char* name) {
+  reset();
+  if (name != nullptr) {
+    mName = name;
+  }
+  mData = new char[size + 1];
+  if (size > 0 && data != nullptr) {
+    std::memcpy(mData, data, size);
+  } else {
+    size = 0;
+  }
+  mData[size] = '\0';
+  mSize = size;
+  validate();
+}
+
+// Checks the whole document once, so that the token functions can rely on well-formed UTF-8
+// without NUL bytes: the terminating NUL then ends every scan.
+void XmlTokenReader::validate() {
+  const unsigned char* u = reinterpret_cast<const unsigned char*>(mData);
+  if (mSize >= 3 && u[0] == 0xEF && u[1] == 0xBB && u[2] == 0xBF) {
+    mPos = mStart = 3;
+    mLineCacheOffset = mLineCacheStart = 3;
+  } else if (mSize >= 2 && ((u[0] == 0xFE && u[1] == 0xFF) || (u[0] == 0xFF && u[1] == 0xFE) ||
+                            (u[0] == 0 && u[1] == 0))) {
+    fail(0, "Unsupported encoding (only UTF-8 is read)");
+    return;
+  }
+  std::size_t i = mPos;
+  while (i < mSize) {
+    const unsigned char c = u[i];
+    if (c < 0x80) {
+      if (c < 0x20 && c != '\t' && c != '\n' && c != '\r') {
+        fail(i, "Invalid character " + hexByte(c));
+        return;
+      }
+      ++i;
+      continue;
+    }
+    std::size_t length;
+    unsigned char low = 0x80;
+    unsigned char high = 0xBF;
+    if (c >= 0xC2 && c <= 0xDF) {
+      length = 2;
+    } else if (c >= 0xE0 && c <= 0xEF) {
+      length = 3;
+      if (c == 0xE0) low = 0xA0;   // overlong
+      if (c == 0xED) high = 0x9F;  // surrogates
+    } else if (c >= 0xF0 && c <= 0xF4) {
+      length = 4;
+      if (c == 0xF0) low = 0x90;   // overlong
+      if (c == 0xF4) high = 0x8F;  // above U+10FFFF
+    } else {
+      fail(i, "Invalid UTF-8 byte " + hexByte(c));
+      return;
+    }
+    for (std::size_t k = 1; k < length; ++k) {
+      const unsigned char next = i + k < mSize ? u[i + k] : 0;
+      const unsigned char min = k == 1 ? low : 0x80;
+      const unsigned char max = k == 1 ? high : 0xBF;
+      if (next < min || next > max) {
+        fail(i, "Invalid UTF-8 sequence starting with byte " + hexByte(c));
+        return;
+      }
+    }
+    i += length;
+  }
+}
+
+void XmlTokenReader::lineAndColumn(std::size_t at, unsigned int& line, unsigned int& column) const {
+  if (at > mSize) {
+    at = mSize;
+  }
+  if (at < mLineCacheOffset) {
+    mLineCacheOffset = mStart;
+    mLineCacheStart = mStart;
+    mLineCacheLine = 1;
+  }
+  for (std::size_t i = mLineCacheOffset; i < at; ++i) {
+    const char c = mData[i];
+    if (c == '\n' || (c == '\r' && mData[i + 1] != '\n')) {
+      ++mLineCacheLine;
+      mLineCacheStart = i + 1;
+    }
+  }
+  mLineCacheOffset = at;
+  line = mLineCacheLine;
+  column = 1;
+  for (std::size_t i = mLineCacheStart; i < at; ++i) {
+    if ((static_cast<unsigned char>(mData[i]) & 0xC0) != 0x80) {
+      ++column;
+    }
+  }
+}
+
+unsigned int XmlTokenReader::getLine() const {
+  unsigned int line;
+  unsigned int column;
+  lineAndColumn(mPos, line, column);
+  return line;
+}
+
+unsigned int XmlTokenReader::getColumn() const {
+  unsigned int line;
+  unsigned int column;
+  lineAndColumn(mPos, line, column);
+  return column;
+}
+
+std::string XmlTokenReader::describePosition() const {
+  unsigned int line;
+  unsigned int column;
+  lineAndColumn(mPos, line, column);
+  return "line " + std::to_string(line) + ", column " + std::to_string(column);
+}
+
+std::string XmlTokenReader::positionText(std::size_t at) const {
+  unsigned int line;
+  unsigned int column;
+  lineAndColumn(at, line, column);
+  std::string text = "at line " + std::to_string(line) + ", column " + std::to_string(column);
+  if (!mName.empty()) {
+    text += " in \"" + mName + "\"";
+  }
+  return text;
+}
+
+void XmlTokenReader::fail(std::size_t at, const std::string& what) {
+  if (!mFailed || mErrorText.empty()) {
+    mErrorText = what + " " + positionText(at);
+  }
+  mFailed = true;
+}
+
+void XmlTokenReader::skipWhiteSpace() {
+  while (mPos < mSize && isWhiteSpace(mData[mPos])) {
+    ++mPos;
+  }
+}
+
+bool XmlTokenReader::matchAt(std::size_t at, const char* text, std::size_t& end) const {
+  std::size_t i = at;
+  char previous = '\0';
+  for (const char* t = text; *t != '\0'; ++t) {
+    if ((*t == '>' || *t == '/') && isNameChar(previous)) {
+      while (isWhiteSpace(mData[i])) {
+        ++i;
+      }
+    }
+    // The terminating NUL never equals a text character, so this stops at the end.
+    if (mData[i] != *t) {
+      return false;
+    }
+    previous = *t;
+    ++i;
+  }
+  if (isNameChar(previous) && isNameChar(mData[i])) {
+    return false;  // only part of a longer name
+  }
+  if (previous == '<' && (mData[i] == '/' || mData[i] == '!' || mData[i] == '?')) {
+    return false;  // "<" is the start of an element, not of an end tag or declaration
+  }
+  end = i;
+  return true;
+}
+
+std::size_t XmlTokenReader::nameEnd(std::size_t at) const {
+  while (isNameChar(mData[at])) {
+    ++at;
+  }
+  return at;
+}
+
+bool XmlTokenReader::skipComments() {
+  if (mFailed || mData == nullptr) {
+    return false;
+  }
+  for (;;) {
+    skipWhiteSpace();
+    const char* here = mData + mPos;
+    if (std::strncmp(here, "<!--", 4) == 0) {
+      const char* close = std::strstr(here + 4, "-->");
+      if (close == nullptr) {
+        fail(mPos, "Unterminated comment starting");
+        return false;
+      }
+      mPos = static_cast<std::size_t>(close - mData) + 3;
+    } else if (std::strncmp(here, "<?", 2) == 0) {
+      const char* close = std::strstr(here + 2, "?>");
+      if (close == nullptr) {
+        fail(mPos, "Unterminated processing instruction starting");
+        return false;
+      }
+      mPos = static_cast<std::size_t>(close - mData) + 2;
+    } else if (std::strncmp(here, "<!DOCTYPE", 9) == 0) {
+      // Skip to the '>' that ends the declaration, past any internal subset and quoted text.
+      std::size_t i = mPos + 9;
+      int brackets = 0;
+      char quote = '\0';
+      for (; i < mSize; ++i) {
+        const char c = mData[i];
+        if (quote != '\0') {
+          if (c == quote) quote = '\0';
+        } else if (c == '"' || c == '\'') {
+          quote = c;
+        } else if (c == '[') {
+          ++brackets;
+        } else if (c == ']') {
+          --brackets;
+        } else if (c == '>' && brackets <= 0) {
+          break;
+        }
+      }
+      if (i >= mSize) {
+        fail(mPos, "Unterminated document type declaration starting");
+        return false;
+      }
+      mPos = i + 1;
+    } else {
+      return true;
+    }
+  }
+}
+
+bool XmlTokenReader::acceptToken(const char* text) {
+  if (mFailed || mData == nullptr || text == nullptr || *text == '\0') {
+    return false;
+  }
+  skipWhiteSpace();
+  std::size_t end;
+  if (!matchAt(mPos, text, end)) {
+    return false;
+  }
+  mPos = end;
+  return true;
+}
+
+bool XmlTokenReader::atToken(const char* text) {
+  if (mFailed || mData == nullptr || text == nullptr || *text == '\0') {
+    return false;
+  }
+  skipWhiteSpace();
+  std::size_t end;
+  return matchAt(mPos, text, end);
+}
+
+bool XmlTokenReader::acceptNameAndValue(const char* name, char* buffer, std::size_t size) {
+  if (mFailed || mData == nullptr || name == nullptr || *name == '\0') {
+    return false;
+  }
+  skipWhiteSpace();
+  const std::size_t length = std::strlen(name);
+  if (std::strncmp(mData + mPos, name, length) != 0 || isNameChar(mData[mPos + length])) {
+    return false;
+  }
+  std::size_t i = mPos + length;
+  while (isWhiteSpace(mData[i])) {
+    ++i;
+  }
+  if (mData[i] != '=') {
+    fail(i, "Expected \"=\" after the attribute name \"" + std::string(name) + "\"");
+    return false;
+  }
+  ++i;
+  while (isWhiteSpace(mData[i])) {
+    ++i;
+  }
+  if (mData[i] != '"' && mData[i] != '\'') {
+    fail(i, "Expected a quoted value for the attribute \"" + std::string(name) + "\"");
+    return false;
+  }
+  const std::size_t before = mPos;
+  mPos = i;
+  if (!readQuoted(buffer, size)) {
+    mPos = before;
+    return false;
+  }
+  return true;
+}
+
+bool XmlTokenReader::acceptValue(char* buffer, std::size_t size) {
+  if (mFailed || mData == nullptr) {
+    return false;
+  }
+  skipWhiteSpace();
+  const char c = mData[mPos];
+  if (c == '"' || c == '\'') {
+    return readQuoted(buffer, size);
+  }
+  if (!isNameChar(c)) {
+    return false;
+  }
+  const std::size_t end = nameEnd(mPos);
+  BoundedOutput out(buffer, size);
+  for (std::size_t i = mPos; i < end;) {
+    const std::size_t n = sequenceLength(mData[i]);
+    out.append(mData + i, n);
+    i += n;
+  }
+  mPos = end;
+  return true;
+}
+
+// Reads the quoted value at mPos, decoding references and normalising white space as XML does.
+bool XmlTokenReader::readQuoted(char* buffer, std::size_t size) {
+  const std::size_t start = mPos;
+  const char quote = mData[mPos];
+  BoundedOutput out(buffer, size);
+  std::size_t i = mPos + 1;
+  for (;;) {
+    const char c = mData[i];
+    if (c == quote) {
+      break;
+    }
+    if (i >= mSize) {
+      fail(start, "Unterminated quoted value starting");
+      return false;
+    }
+    if (c == '<') {
+      unsigned int line;
+      unsigned int column;
+      lineAndColumn(start, line, column);
+      fail(i, "Unexpected \"<\" in a quoted value");
+      mErrorText += "; the value starts at line " + std::to_string(line) + ", column " +
+                    std::to_string(column) + " (is its closing quote missing?)";
+      return false;
+    }
+    if (c == '&') {
+      // The longest reference worth reading is "&#x10FFFF;"; look no further than that.
+      const std::size_t window = mSize - i < 16 ? mSize - i : 16;
+      const char* semicolon = static_cast<const char*>(std::memchr(mData + i, ';', window));
+      const std::size_t length = semicolon != nullptr ? semicolon - (mData + i) : 0;
+      if (semicolon == nullptr) {
+        fail(i, "Unterminated entity reference");
+        return false;
+      }
+      const std::string entity(mData + i + 1, length - 1);
+      unsigned int cp = 0;
+      bool valid = true;
+      if (entity == "lt") {
+        cp = '<';
+      } else if (entity == "gt") {
+        cp = '>';
+      } else if (entity == "amp") {
+        cp = '&';
+      } else if (entity == "quot") {
+        cp = '"';
+      } else if (entity == "apos") {
+        cp = '\'';
+      } else if (entity.size() >= 2 && entity[0] == '#') {
+        const bool hex = entity[1] == 'x';
+        const std::size_t first = hex ? 2 : 1;
+        valid = entity.size() > first;
+        for (std::size_t k = first; valid && k < entity.size(); ++k) {
+          const char d = entity[k];
+          unsigned int digit;
+          if (d >= '0' && d <= '9') {
+            digit = static_cast<unsigned int>(d - '0');
+          } else if (hex && d >= 'a' && d <= 'f') {
+            digit = static_cast<unsigned int>(d - 'a' + 10);
+          } else if (hex && d >= 'A' && d <= 'F') {
+            digit = static_cast<unsigned int>(d - 'A' + 10);
+          } else {
+            valid = false;
+            break;
+          }
+          cp = cp * (hex ? 16 : 10) + digit;
+          valid = cp <= 0x10FFFF;
+        }
+        if (!valid || !isXmlChar(cp)) {
+          fail(i, "Invalid character reference \"&" + entity + ";\"");
+          return false;
+        }
+      } else {
+        fail(i, "Unknown entity \"&" + entity + ";\"");
+        return false;
+      }
+      char encoded[4];
+      out.append(encoded, encodeUtf8(cp, encoded));
+      i += length + 1;
+      continue;
+    }
+    if (c == '\t' || c == '\n' || c == '\r') {
+      out.append(' ');
+      i += (c == '\r' && mData[i + 1] == '\n') ? 2 : 1;
+      continue;
+    }
+    const std::size_t n = sequenceLength(c);
+    out.append(mData + i, n);
+    i += n;
+  }
+  mPos = i + 1;
+  return true;
+}
+
+bool XmlTokenReader::skipPast(const char* text) {
+  if (mFailed || mData == nullptr || text == nullptr || *text == '\0') {
+    return false;
+  }
+  const char* found = std::strstr(mData + mPos, text);
+  if (found == nullptr) {
+    mPos = mSize;
+    return false;
+  }
+  mPos = static_cast<std::size_t>(found - mData) + std::strlen(text);
+  return true;
+}
+
+std::string XmlTokenReader::describeToken(std::size_t at) const {
+  if (mData == nullptr || at >= mSize) {
+    return "end of file";
+  }
+  const char c = mData[at];
+  std::size_t end = at + 1;
+  std::string prefix;
+  if (c == '<') {
+    if (mData[end] == '/' || mData[end] == '!' || mData[end] == '?') {
+      ++end;
+    }
+    end = nameEnd(end);
+    if (mData[end] == '>') {
+      ++end;
+    }
+  } else if (c == '"' || c == '\'') {
+    prefix = "value ";
+    while (end < mSize && mData[end] != c && mData[end] != '\n' && mData[end] != '<') {
+      ++end;
+    }
+    if (mData[end] == c) {
+      ++end;
+    }
+  } else if (isNameChar(c)) {
+    end = nameEnd(at);
+  } else {
+    end = at + sequenceLength(c);
+  }
+  // Cut long tokens at a character boundary.
+  std::size_t cut = at;
+  while (cut < end && cut - at < MAX_TOKEN_IN_MESSAGE) {
+    cut += sequenceLength(mData[cut]);
+  }
+  std::string token(mData + at, cut - at);
+  if (cut < end) {
+    token += "...";
+  }
+  return prefix + "\"" + token + "\"";
+}
+
+void XmlTokenReader::warnUnexpected(const char* expected) {
+  if (mFailed) {
+    return;  // the first problem is the one worth reporting
+  }
+  skipWhiteSpace();
+  std::string text = "Unexpected " + describeToken(mPos) + " " + positionText(mPos);
+  if (expected != nullptr && *expected != '\0') {
+    text += "; expected \"" + std::string(expected) + "\"";
+  }
+  mErrorText = text;
+  mFailed = true;
+}
+
+bool XmlTokenReader::enterElement() {
+  if (++mDepth > MAX_NESTING_DEPTH) {
+    skipWhiteSpace();
+    fail(mPos, "Elements are nested deeper than " + std::to_string(MAX_NESTING_DEPTH) + " levels");
+    return false;
+  }
+  return true;
+}
+
+void XmlTokenReader::leaveElement() {
+  if (mDepth > 0) {
+    --mDepth;
+  }
+}
+
+bool XmlTokenReader::atEnd() {
+  if (mFailed || mData == nullptr) {
+    return true;
+  }
+  skipWhiteSpace();
+  return mPos >= mSize;
+}
+
+bool XmlTokenReader::isEof() const { return mData == nullptr || mPos >= mSize; }
+
+void XmlTokenReader::setErrorText(const char* text) {
+  if (text == nullptr || *text == '\0') {
+    mErrorText.clear();
+    mFailed = false;
+    return;
+  }
+  mErrorText = text;
+  mFailed = true;
+}
+
+}  // namespace zelk::host
