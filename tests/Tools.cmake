@@ -203,5 +203,10 @@ if(ZELK_INSTALL)
       -DGENERATOR=${CMAKE_GENERATOR}
       -DSANITIZER_FLAGS=${ZELK_TOOLS_SANITIZER_FLAGS}
       -P ${CMAKE_CURRENT_SOURCE_DIR}/tools/installed-example.cmake)
-  set_tests_properties(installed-example PROPERTIES LABELS "tools;package")
+  # Installing writes install_manifest.txt into the build tree: one installing test at a time.
+  set_tests_properties(installed-example PROPERTIES LABELS "tools;package"
+    RESOURCE_LOCK zelk_build_tree_install)
+  if(TEST package_consumer)
+    set_tests_properties(package_consumer PROPERTIES RESOURCE_LOCK zelk_build_tree_install)
+  endif()
 endif()
