@@ -365,5 +365,21 @@ TEST_F(ConfigurationRegistryLoaderTest, BoundsNestingCopiesAndLongValues) {
   EXPECT_EQ(1024u, dynamic_cast<Parameter*>(parameter)->getDefaultValue().asString().size());
 }
 
+TEST_F(ConfigurationRegistryLoaderTest, FormatDirectivesInTheFileAreQuotedAsWritten) {
+  load(registry(MODE_AND_LEVEL));
+  const std::string unknown = failure(registry(
+      "<Specifications><Specification id=\"s\" description=\"%s%s%s%n\">"
+      "<ParameterRef id=\"%999999999d\"/></Specification></Specifications>"));
+  EXPECT_NE(std::string::npos, unknown.find("\"%999999999d\"")) << unknown;
+  EXPECT_EQ(std::string::npos, unknown.find("%%")) << unknown;
+  EXPECT_EQ("Unexpected \"%\" at line 3, column 13 in \"" + mDir.file("test.crg") + "\"",
+            failure(registry("<Parameters>%s%s%s%n</Parameters>")));
+  const std::string badDefault = failure(registry(
+      "<Parameters><Parameter id=\"n\" type=\"int32\" default=\"%999999999d\" "
+      "description=\"%n\"/></Parameters>"));
+  EXPECT_NE(std::string::npos, badDefault.find("\"%999999999d\" is not a valid Int32"))
+      << badDefault;
+}
+
 }  // namespace
 }  // namespace zelk::configuration

@@ -147,4 +147,27 @@ TEST_F(XmlFileValueProviderTest, FailuresSayWhatWentWrongAndKeepTheTree) {
   EXPECT_EQ("\"%999999999d\" is not a valid Int32", messageOf([&] { level.asInt32(); }));
 }
 
+TEST_F(XmlFileValueProviderTest, FormatDirectivesInFileContentsAreQuotedAsWritten) {
+  // Values keep the directives; reading one as a number quotes it.
+  load(mProvider, "values.xml", "<archive name=\"%s%s%s%n\" level=\"%999999999d\" target=\"t\"/>");
+  ValueGroup values = mProvider.getValues(*mModel.archive, PROVIDER_CHECKS);
+  EXPECT_EQ("%s%s%s%n", values.getValue("name").asString());
+  EXPECT_EQ("\"%999999999d\" is not a valid Int32",
+            messageOf([&] { values.getValue("level").asInt32(); }));
+  // Names and malformed tokens are quoted in the ordinary messages.
+  load(mProvider, "names.xml", "<archive target=\"t\"><db dbname=\"x\" dbport=\"%n\"/></archive>");
+  EXPECT_EQ("\"%n\" is not a valid Int32", messageOf([&] {
+              mProvider.getValues(*mModel.archive, PROVIDER_CHECKS)
+                  .getValueGroup("db").getValue("dbport").asInt32();
+            }));
+  EXPECT_EQ("Unexpected \"%\" at line 1, column 10 in \"" + mDir.file("broken.xml") +
+                "\"; expected \"<\"",
+            messageOf([&] {
+              load(mProvider, "broken.xml", "<archive>%s%s%s%n<%999999999d/></archive>");
+            }));
+  // A missing file is named as given.
+  EXPECT_EQ("File \"" + mDir.file("%s%s%s%n.xml") + "\" was not found",
+            messageOf([&] { mProvider.enableProvider(mDir.file("%s%s%s%n.xml").c_str(), 0); }));
+}
+
 }  // namespace

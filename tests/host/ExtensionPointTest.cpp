@@ -151,6 +151,31 @@ TEST(ExtensionPointTest, SkipsBrokenAndUnsafeLibrariesWithOneLogLineEach) {
   EXPECT_EQ("made for another point", made(other.plugin(0)));
 }
 
+TEST(ExtensionPointTest, WritableFilesAndDirectoriesAnywhereOnThePathAreRefused) {
+  zelk::test::MainLogCapture log;
+  zelk::test::InstallationFixture installation;
+  const std::string dir = installation.pluginsDir();
+  // World-writable file; group-writable directory two levels above the library; a safe
+  // directory below an unsafe one does not make the library safe.
+  const std::string open = installation.copyIntoPlugins(built("GoodPlugin"), "libopen.so");
+  chmod(open.c_str(), 0757);
+  installation.copyIntoPlugins(built("GoodPlugin"), "team/safe/libdeep.so");
+  chmod((dir + "/team").c_str(), 0775);
+  // Writable by its owner only: loaded.
+  const std::string own = installation.copyIntoPlugins(built("GoodPlugin"), "mine/libown.so");
+  chmod(own.c_str(), 0700);
+
+  ExtensionPoint point(ZELK_TEST_EXTENSION_POINT, 1, 1);
+  ASSERT_EQ(1u, point.pluginCount()) << log.dump();
+  EXPECT_EQ(own, point.plugin(0)->getName());
+  const std::string skipped = "Skipped plug-in library \"" + dir;
+  EXPECT_EQ((std::vector<std::string>{
+                skipped + "/libopen.so\": it is writable by group or others",
+                skipped + "/team/safe/libdeep.so\": the directory \"" + dir +
+                    "/team\" is writable by group or others"}),
+            log.texts("Plugins"));
+}
+
 TEST(ExtensionPointTest, APluginLibraryWhoseCreatePluginThrowsIsSkippedWhenAsked) {
   zelk::test::MainLogCapture log;
   zelk::test::InstallationFixture installation;

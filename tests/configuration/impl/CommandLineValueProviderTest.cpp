@@ -218,4 +218,20 @@ TEST_F(CommandLineValueProviderTest, ThePrefixIndexAnswersAsTheWalkDoes) {
             messageOf([&] { search.getFoundItem(0); }));
 }
 
+TEST_F(CommandLineValueProviderTest, AMillionWordsAreParsed) {
+  std::vector<std::string> words;
+  words.reserve(1000000);
+  for (int i = 0; i < 500000; ++i) {
+    words.push_back("-paths");
+    words.push_back("/p" + std::to_string(i));
+  }
+  ValueGroup tree = parse(words);
+  UnboundedValue paths = tree.getUnboundedValue("paths");
+  ASSERT_EQ(500000u, paths.getValueCount());
+  EXPECT_EQ("/p499999", paths.asString(499999));
+  // A million words that are not flags: the first one is reported.
+  words.assign(1000000, "%s%s%s%n");
+  EXPECT_EQ("The \"%s%s%s%n\" command line argument is not recognized", error(words));
+}
+
 }  // namespace
