@@ -1,5 +1,7 @@
 #include "zelk/configuration/impl/ValueGroupIteratorImpl.h"
 
+#include <strings.h>
+
 #include <limits>
 
 #include "zelk/configuration/ConfigurationException.h"
@@ -15,27 +17,41 @@ ValueGroupIteratorImpl::ValueGroupIteratorImpl(const boost::shared_ptr<ValueGrou
 }
 
 bool ValueGroupIteratorImpl::next() {
+  mCurrent.reset();
   if (!mGroup) {
     return false;
   }
   // From the all-ones position the first candidate is 0.
   size_t position = mPosition + 1;
-  const bool found = mGroup->findNextGroup(position, mName.c_str());
+  // The search and the read are two locked steps; when another thread changed the group in
+  // between, the item read is not the one found, and the search goes on after it.
+  while (mGroup->findNextGroup(position, mName.c_str())) {
+    const boost::shared_ptr<ValueItemState> item = mGroup->tryGetItem(position);
+    if (item && item->isValueGroup() &&
+        (mName.empty() || strcasecmp(item->getName(), mName.c_str()) == 0)) {
+      mPosition = position;
+      mCurrent = item;
+      return true;
+    }
+    ++position;
+  }
   mPosition = position;
-  return found;
+  return false;
 }
 
-void ValueGroupIteratorImpl::reset() { mPosition = std::numeric_limits<size_t>::max(); }
+void ValueGroupIteratorImpl::reset() {
+  mPosition = std::numeric_limits<size_t>::max();
+  mCurrent.reset();
+}
 
 ValueGroup ValueGroupIteratorImpl::getCurrent() const {
   if (!mGroup) {
     throw ConfigurationException("Dereferencing iterator after isNull() returns true");
   }
-  const boost::shared_ptr<ValueItemState> item = mGroup->tryGetItem(mPosition);
-  if (!item || !item->isValueGroup()) {
+  if (!mCurrent) {
     throw ConfigurationException("Dereferencing iterator after next() returns false");
   }
-  return ValueGroup(boost::static_pointer_cast<ValueGroupState>(item));
+  return ValueGroup(boost::static_pointer_cast<ValueGroupState>(mCurrent));
 }
 
 }  // namespace zelk::configuration::impl

@@ -13,6 +13,7 @@ class ValueGroup;
 namespace zelk::configuration::impl {
 
 class ValueGroupState;
+class ValueItemState;
 
 class ValueGroupIteratorImpl {
 public:
@@ -28,6 +29,9 @@ private:
   boost::shared_ptr<ValueGroupState> mGroup;
   std::string mName;
   size_t mPosition;
+  // The group found by the last next(): held, so that another thread removing items between
+  // next() and getCurrent() cannot make the position point elsewhere.
+  boost::shared_ptr<ValueItemState> mCurrent;
 };
 
 }  // namespace zelk::configuration::impl
