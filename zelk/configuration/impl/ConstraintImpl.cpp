@@ -3,6 +3,7 @@
 #include <string>
 
 #include "zelk/configuration/Container.h"
+#include "zelk/configuration/impl/ContainerImpl.h"
 #include "zelk/util/Contracts.h"
 
 namespace zelk::configuration::impl {
@@ -66,6 +67,10 @@ void ConstraintImpl::addItem(const GroupItem* item) {
   child->setContainer(mContainer);
   if (isHidden()) {
     child->setHidden(true);
+  }
+  // The new child (and a nested constraint's new id) is visible to the container's searches.
+  if (mContainer != 0) {
+    mContainer->getContainerImpl()->invalidateSearchIndex();
   }
 }
 

@@ -2,7 +2,13 @@
 // below the container (through logical groups and one-ofs, not into nested containers).
 #pragma once
 
+#include <cstdint>
+#include <memory>
 #include <string>
+#include <unordered_map>
+#include <vector>
+
+#include <boost/thread/mutex.hpp>
 
 #include "zelk/configuration/Container.h"
 #include "zelk/configuration/impl/GroupItemCollectionImpl.h"
@@ -34,7 +40,19 @@ public:
   const Container* findContainer(const char* id) const override;
   const ParameterRef* findParameterRef(const char* id) const override;
 
+  // Forgets the search index; called whenever a collection below this container (up to the next
+  // nested container) gained an item.
+  void invalidateSearchIndex();
+
 private:
+  // Case-insensitive id hash -> items in iteration order, one table per searched item type.
+  struct SearchIndex {
+    typedef std::unordered_map<uint64_t, std::vector<const GroupItem*>> Table;
+    Table all;
+    Table containers;
+    Table parameterRefs;
+  };
+
   // Every search of a container goes through here: the first descendant of the item type
   // (-1: any) whose id matches without regard to case.
   const GroupItem* findDescendant(const char* id, int32_t itemType) const;
@@ -42,6 +60,11 @@ private:
   std::string mId;
   std::string mDescription;
   std::string mName;
+
+  // Built by the first search after a change; guarded by its own mutex because searches are const
+  // and may run on several threads.
+  mutable boost::mutex mIndexMutex;
+  mutable std::unique_ptr<SearchIndex> mIndex;
 };
 
 }  // namespace zelk::configuration::impl

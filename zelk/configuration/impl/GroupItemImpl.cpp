@@ -4,6 +4,7 @@
 #include "zelk/configuration/Container.h"
 #include "zelk/configuration/LogicalGroup.h"
 #include "zelk/configuration/OneOf.h"
+#include "zelk/configuration/impl/ContainerImpl.h"
 #include "zelk/util/Contracts.h"
 
 namespace zelk::configuration::impl {
@@ -37,7 +38,14 @@ void GroupItemImpl::copyToCollection(GroupItemCollection& collection) const {
 
 int32_t GroupItemImpl::getUnusedCharacteristics() const { return 0; }
 
-void GroupItemImpl::setContainer(Container* container) { mContainer = container; }
+void GroupItemImpl::setContainer(Container* container) {
+  const bool changed = mContainer != container;
+  mContainer = container;
+  // The container's searches walk only items linked to it, so a new link changes what they find.
+  if (changed && container != 0) {
+    container->getContainerImpl()->invalidateSearchIndex();
+  }
+}
 
 void GroupItemImpl::setConstraint(Constraint* constraint) { mConstraint = constraint; }
 

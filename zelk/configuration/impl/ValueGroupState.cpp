@@ -9,9 +9,17 @@
 #include "zelk/configuration/Value.h"
 #include "zelk/configuration/ValueGroup.h"
 #include "zelk/configuration/impl/ValueState.h"
+#include "zelk/util/CaseInsensitiveHash.h"
 #include "zelk/util/Contracts.h"
 
 namespace zelk::configuration::impl {
+
+namespace {
+
+// Groups smaller than this are scanned: building a hash index would cost more than it saves.
+const size_t INDEX_THRESHOLD = 16;
+
+}  // namespace
 
 boost::shared_ptr<ValueGroupState> ValueGroupState::create(const char* name) {
   return boost::shared_ptr<ValueGroupState>(new ValueGroupState(name));
@@ -50,6 +58,7 @@ boost::shared_ptr<ValueItemState> ValueGroupState::clone(int shallow) const {
       child->setParent(copy);
       copy->mItems.push_back(child);
     }
+    copy->rebuildIndex();
   }
   return copy;
 }
@@ -59,6 +68,7 @@ void ValueGroupState::reset() {
   {
     WriteGuard lock(mMutex);
     items.swap(mItems);
+    rebuildIndex();
   }
   for (const boost::shared_ptr<ValueItemState>& item : items) {
     item->reset();
@@ -75,12 +85,56 @@ const Container* ValueGroupState::getContainer() const {
 
 size_t ValueGroupState::findIndex(const char* name, size_t start) const {
   const size_t count = mItems.size();
-  for (size_t i = start; i < count; ++i) {
-    if (namesEqual(mItems[i]->getName(), name)) {
-      return i;
+  if (name == 0 || !indexIsCurrent()) {
+    for (size_t i = start; i < count; ++i) {
+      if (namesEqual(mItems[i]->getName(), name)) {
+        return i;
+      }
+    }
+    return count;
+  }
+  const NameIndex::const_iterator found = mIndex.find(caseInsensitiveHash(name));
+  if (found == mIndex.end()) {
+    return count;
+  }
+  const std::vector<size_t>& positions = found->second;
+  for (std::vector<size_t>::const_iterator it =
+           std::lower_bound(positions.begin(), positions.end(), start);
+       it != positions.end(); ++it) {
+    // Names that only share the hash are skipped here.
+    if (namesEqual(mItems[*it]->getName(), name)) {
+      return *it;
     }
   }
   return count;
+}
+
+bool ValueGroupState::indexIsCurrent() const {
+  return mIndexValid && mIndexGeneration == getRenameGeneration();
+}
+
+void ValueGroupState::rebuildIndex() {
+  mIndex.clear();
+  mIndexValid = false;
+  const size_t count = mItems.size();
+  if (count < INDEX_THRESHOLD) {
+    return;
+  }
+  // The generation is read first: a rename during the build makes the next check fail.
+  mIndexGeneration = getRenameGeneration();
+  mIndex.reserve(count);
+  for (size_t i = 0; i < count; ++i) {
+    mIndex[caseInsensitiveHash(mItems[i]->getName())].push_back(i);
+  }
+  mIndexValid = true;
+}
+
+void ValueGroupState::indexAppended(size_t position) {
+  if (indexIsCurrent()) {
+    mIndex[caseInsensitiveHash(mItems[position]->getName())].push_back(position);
+  } else if (mItems.size() >= INDEX_THRESHOLD) {
+    rebuildIndex();
+  }
 }
 
 size_t ValueGroupState::getItemCount(const char* name) const {
@@ -163,6 +217,7 @@ void ValueGroupState::add(const boost::shared_ptr<ValueItemState>& toAdd) {
     }
     if (!existing) {
       mItems.push_back(toAdd);
+      indexAppended(mItems.size() - 1);
       return;
     }
   }
@@ -181,6 +236,8 @@ boost::shared_ptr<ValueItemState> ValueGroupState::remove(const char* name) {
   UpgradeGuard::Exclusive exclusive(lock);
   boost::shared_ptr<ValueItemState> removed = mItems[index];
   mItems.erase(mItems.begin() + static_cast<std::ptrdiff_t>(index));
+  // Positions after the removed item moved; erasing was linear already, so is the rebuild.
+  rebuildIndex();
   return removed;
 }
 
@@ -189,6 +246,8 @@ boost::shared_ptr<ValueItemState> ValueGroupState::remove(size_t index) {
   ZELK_CONTRACT(index < mItems.size());
   boost::shared_ptr<ValueItemState> removed = mItems[index];
   mItems.erase(mItems.begin() + static_cast<std::ptrdiff_t>(index));
+  // Positions after the removed item moved; erasing was linear already, so is the rebuild.
+  rebuildIndex();
   return removed;
 }
 
@@ -197,6 +256,7 @@ void ValueGroupState::clear() {
   {
     WriteGuard lock(mMutex);
     items.swap(mItems);
+    rebuildIndex();
   }
   // The items die (when nobody else holds them) after the lock is released.
 }

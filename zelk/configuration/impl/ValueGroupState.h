@@ -11,6 +11,8 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
+#include <unordered_map>
 #include <vector>
 
 #include <boost/enable_shared_from_this.hpp>
@@ -100,10 +102,27 @@ private:
   // mItems.size(). Effective names follow the binding: ValueItemState::setName and setGroupItem
   // rename an item that may already sit in a group.
   size_t findIndex(const char* name, size_t start = 0) const;
+  // Keeps the name index in step with an item just appended at position; the caller holds mMutex
+  // exclusively.
+  void indexAppended(size_t position);
+  // Rebuilds the name index from the items (or drops it for a small group); the caller holds
+  // mMutex exclusively.
+  void rebuildIndex();
+  // Whether the name index may answer look-ups: built, and no item renamed since.
+  bool indexIsCurrent() const;
 
   mutable StateMutex mMutex;
   Items mItems;
   std::atomic<bool> mComplete;
+
+  // Name index of large groups: case-insensitive name hash -> ascending positions. It changes
+  // only under the exclusive lock, so readers under the shared lock use it as it is. While some
+  // item anywhere was renamed since it was built, look-ups scan instead, and the next change of
+  // the group rebuilds it.
+  typedef std::unordered_map<uint64_t, std::vector<size_t>> NameIndex;
+  NameIndex mIndex;
+  bool mIndexValid = false;
+  uint64_t mIndexGeneration = 0;
 };
 
 }  // namespace zelk::configuration::impl

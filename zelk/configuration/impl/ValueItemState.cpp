@@ -1,5 +1,7 @@
 #include "zelk/configuration/impl/ValueItemState.h"
 
+#include <atomic>
+
 #include "zelk/configuration/GroupItem.h"
 #include "zelk/configuration/impl/InstanceIds.h"
 #include "zelk/configuration/impl/ValueGroupState.h"
@@ -11,6 +13,8 @@ namespace {
 
 const char* const ITEM_TYPE_NAMES[] = {"bounded value", "unbounded value", "bounded value group",
                                        "unbounded value group"};
+
+std::atomic<uint64_t> gRenameGeneration(0);
 
 char toLowerAscii(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; }
 
@@ -46,8 +50,11 @@ bool ValueItemState::matches(const GroupItem& groupItem) const {
 
 // Dropping the binding renames the item back to its stored name.
 void ValueItemState::reset() {
+  // Only the binding changes, so the previous name's storage stays valid.
+  const char* before = getName();
   mGroupItem = 0;
   mParent.reset();
+  noteRename(before);
 }
 
 const char* ValueItemState::getName() const {
@@ -58,7 +65,9 @@ const char* ValueItemState::getName() const {
 // ValueGroupState::findIndex).
 void ValueItemState::setName(const char* name) {
   ZELK_CONTRACT_MESSAGE(name != 0 && *name != '\0', "Must provide a name");
+  const std::string before = getName();
   mName = name;
+  noteRename(before.c_str());
 }
 
 boost::shared_ptr<ValueGroupState> ValueItemState::getParent() const { return mParent.lock(); }
@@ -71,13 +80,25 @@ void ValueItemState::setParent(const boost::shared_ptr<ValueGroupState>& parent)
 void ValueItemState::setGroupItem(const GroupItem* groupItem) {
   ZELK_CONTRACT(groupItem != 0);
   ZELK_CONTRACT(mGroupItem == 0 || mGroupItem == groupItem);
+  const char* before = getName();
   mGroupItem = groupItem;
+  noteRename(before);
 }
 
 const char* ValueItemState::getItemTypeName(ValueGroupItem::ItemType type) {
   // The fourth entry is never returned: the range check below keeps it out on purpose.
   ZELK_CONTRACT(type >= ValueGroupItem::VALUE && type <= ValueGroupItem::VALUE_GROUP);
   return ITEM_TYPE_NAMES[type];
+}
+
+uint64_t ValueItemState::getRenameGeneration() {
+  return gRenameGeneration.load(std::memory_order_acquire);
+}
+
+void ValueItemState::noteRename(const char* before) const {
+  if (!namesEqual(before, getName())) {
+    gRenameGeneration.fetch_add(1, std::memory_order_acq_rel);
+  }
 }
 
 bool ValueItemState::namesEqual(const char* a, const char* b) {

@@ -59,8 +59,14 @@ public:
   static const char* getItemTypeName(ValueGroupItem::ItemType type);
   // Whether two item names are equal, ignoring ASCII case (null equals only null).
   static bool namesEqual(const char* a, const char* b);
+  // A counter that grows whenever some item's effective name changes other than in case; groups
+  // rebuild their name index when it moved since they built it.
+  static uint64_t getRenameGeneration();
 
 protected:
+  // Counts a rename when the effective name moved from before to a different name.
+  void noteRename(const char* before) const;
+
   uint32_t mInstanceId;
   std::string mName;
   const GroupItem* mGroupItem;

@@ -1,0 +1,921 @@
+// The configuration library against the command-line libraries a tool writer would pick instead.
+//
+// Workloads (sizes P parameters / A arguments: 200/50, 2000/500, 20000/5000):
+//   W1full   declare (ours: load a registry file from disk), parse, validate, read every value
+//   W1parse  the same with the declaration outside the timed part
+//   W2       W1parse with every flag shortened to its shortest unique prefix (>= 3 characters)
+//   W3       P entries of a value file read, matched, merged and read back (peers: INI in memory)
+//   W4       one typed read of an int32 in a group of 200, by name and through a held value
+//   W5       start-up over 20 registry files (2000 parameters, 50 specifications) against reading
+//            and tokenizing the same files
+// Every value read is added to a checksum that the benchmark keeps, so nothing is optimised away.
+//
+//   zelk_bench --benchmark_filter='W1'         (a row per library and size)
+//   zelk_bench --memory=ours|boost|cli11|none  (W1full at 20000/5000 once, for peak RSS)
+
+#include <benchmark/benchmark.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <map>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "Workload.h"
+#include "zelk/configuration/ConfigurationManager.h"
+#include "zelk/configuration/ConfigurationRegistryLoader.h"
+#include "zelk/configuration/GlobalItem.h"
+#include "zelk/configuration/Specification.h"
+#include "zelk/configuration/UnboundedValue.h"
+#include "zelk/configuration/Value.h"
+#include "zelk/configuration/ValueGroup.h"
+#include "zelk/configuration/XmlFileValueProvider.h"
+#include "zelk/configuration/impl/CommandLineValueProvider.h"
+#include "zelk/configuration/impl/Factory.h"
+#include "zelk/host/HostDirectories.h"
+#include "zelk/host/XmlTokenReader.h"
+
+#ifdef ZELK_BENCH_HAVE_BOOST_PO
+#include <boost/program_options.hpp>
+#endif
+#ifdef ZELK_BENCH_HAVE_CLI11
+#include <CLI/CLI.hpp>
+#endif
+
+namespace zc = zelk::configuration;
+using bench::Kind;
+using bench::Workload;
+
+namespace {
+
+const size_t SIZES[][2] = {{200, 50}, {2000, 500}, {20000, 5000}};
+
+bool isUnbounded(Kind kind) { return kind == Kind::UNBOUNDED_INT32 || kind == Kind::UNBOUNDED_STRING; }
+
+// Every workload of one size, generated once.
+const Workload& workload(size_t parameters, size_t arguments) {
+  static std::map<std::pair<size_t, size_t>, Workload*> cache;
+  Workload*& w = cache[std::make_pair(parameters, arguments)];
+  if (w == nullptr) {
+    w = new Workload(parameters, arguments);
+  }
+  return *w;
+}
+
+// The temporary installation the process-wide manager starts from, and the generated files.
+struct Installation {
+  std::string root;
+  std::string etc;
+  Installation() {
+    root = bench::makeTempDir("install");
+    etc = root + "/etc";
+    const std::string plugins = root + "/plugins";
+    const std::string config = root + "/config";
+    for (const std::string& dir : {etc, plugins, config}) {
+      if (std::system(("mkdir -p '" + dir + "'").c_str()) != 0) {
+        throw std::runtime_error("cannot create " + dir);
+      }
+    }
+    bench::writeFile(etc + "/zelk.crg",
+                     "<?xml version=\"1.0\"?>\n<ConfigurationRegistry crgSchemaVersion=\"1.1\">\n"
+                     "</ConfigurationRegistry>\n");
+    zelk::host::hostSetDirectories(etc.c_str(), plugins.c_str(), config.c_str());
+  }
+  ~Installation() {
+    if (std::system(("rm -rf '" + root + "'").c_str()) != 0) {
+      std::cerr << "could not remove " << root << '\n';
+    }
+  }
+};
+
+Installation& installation() {
+  static Installation instance;
+  return instance;
+}
+
+zc::ConfigurationManager& manager() {
+  installation();
+  return *zc::ConfigurationManager::getInstance();
+}
+
+std::string specIdFor(size_t parameters) { return "w" + std::to_string(parameters); }
+
+std::string registryFileFor(const Workload& w) {
+  const std::string path =
+      installation().root + "/" + specIdFor(w.parameters()) + ".crg.generated";
+  std::ifstream probe(path);
+  if (!probe) {
+    bench::writeFile(path, w.registryText(specIdFor(w.parameters())));
+  }
+  return path;
+}
+
+// Removes what a registry file of w declared from the process-wide manager.
+void unload(const Workload& w) {
+  zc::ConfigurationManager& m = manager();
+  zc::impl::Factory::destroy(m.getSpecification(specIdFor(w.parameters()).c_str()), true, &m);
+  for (const std::string& name : w.names()) {
+    zc::impl::Factory::destroy(m.getParameter(name.c_str()), true, &m);
+  }
+}
+
+// The workload whose registry file the process-wide manager holds (sizes share parameter names,
+// so one is loaded at a time).
+const Workload* gLoaded = nullptr;
+
+void unloadCurrent() {
+  if (gLoaded != nullptr) {
+    if (manager().getSpecification(specIdFor(gLoaded->parameters()).c_str()) != nullptr) {
+      unload(*gLoaded);
+    }
+    gLoaded = nullptr;
+  }
+}
+
+// The specification of w in the process-wide manager, loaded when missing.
+const zc::Specification& ensureLoaded(const Workload& w) {
+  zc::ConfigurationManager& m = manager();
+  const zc::Specification* spec = m.getSpecification(specIdFor(w.parameters()).c_str());
+  if (gLoaded != &w || spec == nullptr) {
+    unloadCurrent();
+    zc::ConfigurationRegistryLoader::loadFile(registryFileFor(w).c_str(), &m, 0);
+    spec = m.getSpecification(specIdFor(w.parameters()).c_str());
+    gLoaded = &w;
+  }
+  return *spec;
+}
+
+// Reads every given parameter back in its type and folds it into a checksum.
+double readBack(const zc::ValueGroup& values, const Workload& w) {
+  double sum = 0;
+  for (size_t i : w.given()) {
+    const char* name = w.names()[i].c_str();
+    switch (bench::kindOf(i)) {
+      case Kind::BOOL:
+        sum += values.getValue(name).asBool() ? 1 : 0;
+        break;
+      case Kind::STRING:
+        sum += static_cast<double>(values.getValue(name).asString().size());
+        break;
+      case Kind::INT32:
+        sum += values.getValue(name).asInt32();
+        break;
+      case Kind::UINT64:
+        sum += static_cast<double>(values.getValue(name).asUInt64());
+        break;
+      case Kind::DOUBLE:
+        sum += values.getValue(name).asDouble();
+        break;
+      case Kind::UNBOUNDED_INT32: {
+        const zc::UnboundedValue all = values.getUnboundedValue(name);
+        sum += all.asInt32(0) + all.asInt32(1);
+        break;
+      }
+      case Kind::UNBOUNDED_STRING: {
+        const zc::UnboundedValue all = values.getUnboundedValue(name);
+        sum += static_cast<double>(all.asString(0).size() + all.asString(1).size());
+        break;
+      }
+    }
+  }
+  return sum;
+}
+
+double oursParse(const zc::Specification& spec, const Workload& w, bool prefixes) {
+  const std::vector<const char*> argv = w.argv(Workload::OURS, prefixes);
+  zc::impl::CommandLineValueProvider cli(1, "");
+  cli.enableProvider(static_cast<int>(argv.size()), argv.data(), spec.getId(), 0);
+  const zc::ValueGroup values = cli.getValues(spec, 0);
+  return readBack(values, w);
+}
+
+void setCounters(benchmark::State& state, double checksum, const Workload& w) {
+  state.counters["checksum"] = checksum;
+  state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * w.given().size()));
+}
+
+void Ours_W1full(benchmark::State& state) {
+  const Workload& w = workload(state.range(0), state.range(1));
+  zc::ConfigurationManager& m = manager();
+  unloadCurrent();
+  const std::string path = registryFileFor(w);
+  double checksum = 0;
+  for (auto _ : state) {
+    zc::ConfigurationRegistryLoader::loadFile(path.c_str(), &m, 0);
+    checksum += oursParse(*m.getSpecification(specIdFor(w.parameters()).c_str()), w, false);
+    state.PauseTiming();
+    unload(w);
+    state.ResumeTiming();
+  }
+  setCounters(state, checksum, w);
+}
+
+void Ours_W1parse(benchmark::State& state) {
+  const Workload& w = workload(state.range(0), state.range(1));
+  const zc::Specification& spec = ensureLoaded(w);
+  double checksum = 0;
+  for (auto _ : state) {
+    checksum += oursParse(spec, w, false);
+  }
+  setCounters(state, checksum, w);
+}
+
+void Ours_W2prefixes(benchmark::State& state) {
+  const Workload& w = workload(state.range(0), state.range(1));
+  const zc::Specification& spec = ensureLoaded(w);
+  double checksum = 0;
+  for (auto _ : state) {
+    checksum += oursParse(spec, w, true);
+  }
+  setCounters(state, checksum, w);
+}
+
+double readAll(const zc::ValueGroup& values, const Workload& w) {
+  double sum = 0;
+  for (size_t i = 0; i < w.parameters(); ++i) {
+    const char* name = w.names()[i].c_str();
+    switch (bench::kindOf(i)) {
+      case Kind::BOOL:
+        sum += values.getValue(name).asBool() ? 1 : 0;
+        break;
+      case Kind::STRING:
+        sum += static_cast<double>(values.getValue(name).asString().size());
+        break;
+      case Kind::INT32:
+        sum += values.getValue(name).asInt32();
+        break;
+      case Kind::UINT64:
+        sum += static_cast<double>(values.getValue(name).asUInt64());
+        break;
+      case Kind::DOUBLE:
+        sum += values.getValue(name).asDouble();
+        break;
+      case Kind::UNBOUNDED_INT32: {
+        const zc::UnboundedValue all = values.getUnboundedValue(name);
+        sum += all.asInt32(0) + all.asInt32(1);
+        break;
+      }
+      case Kind::UNBOUNDED_STRING: {
+        const zc::UnboundedValue all = values.getUnboundedValue(name);
+        sum += static_cast<double>(all.asString(0).size() + all.asString(1).size());
+        break;
+      }
+    }
+  }
+  return sum;
+}
+
+void Ours_W3valueFile(benchmark::State& state) {
+  const Workload& w = workload(state.range(0), state.range(1));
+  const zc::Specification& spec = ensureLoaded(w);
+  const std::string path = installation().root + "/" + specIdFor(w.parameters()) + ".xml";
+  bench::writeFile(path, w.valueFileText(specIdFor(w.parameters())));
+  double checksum = 0;
+  for (auto _ : state) {
+    zc::XmlFileValueProvider file(3, "");
+    file.enableProvider(path.c_str(), 0);
+    zc::ValueGroup merged(&spec);
+    merged.merge(spec, file.getValues(spec, 0));
+    checksum += readAll(merged, w);
+  }
+  state.counters["checksum"] = checksum;
+  state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * w.parameters()));
+}
+
+// A bound group of 200 values, every parameter given once.
+zc::ValueGroup groupOf200(const zc::Specification*& spec) {
+  const Workload& w = workload(200, 200);
+  spec = &ensureLoaded(w);
+  const std::vector<const char*> argv = w.argv(Workload::OURS, false);
+  zc::impl::CommandLineValueProvider cli(1, "");
+  cli.enableProvider(static_cast<int>(argv.size()), argv.data(), spec->getId(), 0);
+  return cli.getValues(*spec, 0);
+}
+
+// The int32 parameter that W4 reads.
+const size_t W4_PARAMETER = 110;
+
+void Ours_W4byName(benchmark::State& state) {
+  const zc::Specification* spec = nullptr;
+  const zc::ValueGroup values = groupOf200(spec);
+  const std::string name = workload(200, 200).names()[W4_PARAMETER];
+  int64_t checksum = 0;
+  for (auto _ : state) {
+    checksum += values.getValue(name.c_str()).asInt32();
+  }
+  benchmark::DoNotOptimize(checksum);
+  state.counters["checksum"] = static_cast<double>(checksum);
+}
+
+void Ours_W4held(benchmark::State& state) {
+  const zc::Specification* spec = nullptr;
+  const zc::ValueGroup values = groupOf200(spec);
+  const zc::Value held = values.getValue(workload(200, 200).names()[W4_PARAMETER].c_str());
+  int64_t checksum = 0;
+  for (auto _ : state) {
+    checksum += held.asInt32();
+  }
+  benchmark::DoNotOptimize(checksum);
+  state.counters["checksum"] = static_cast<double>(checksum);
+}
+
+// An installation of 20 registry files holding 2000 parameters in 50 specifications.
+struct StartupInstallation {
+  std::string root;
+  std::string etc;
+  std::vector<std::string> files;
+  StartupInstallation() {
+    root = bench::makeTempDir("startup");
+    etc = root + "/etc";
+    for (const char* dir : {"/etc", "/plugins", "/config"}) {
+      if (std::system(("mkdir -p '" + root + dir + "'").c_str()) != 0) {
+        throw std::runtime_error("cannot create the start-up installation");
+      }
+    }
+    const Workload w(2000, 0);
+    for (size_t f = 0; f < 20; ++f) {
+      std::string text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                         "<ConfigurationRegistry crgSchemaVersion=\"1.1\">\n  <Parameters>\n";
+      for (size_t i = f * 100; i < (f + 1) * 100; ++i) {
+        text += "    <Parameter id=\"" + w.names()[i] + "\" type=\"" + bench::typeWord(bench::kindOf(i)) +
+                "\" description=\"Parameter " + std::to_string(i) + " of the installation.\"/>\n";
+      }
+      text += "  </Parameters>\n  <Specifications>\n";
+      // Files 0..9 hold 3 specifications, files 10..19 hold 2: 50 in all, each over 40 of the
+      // file's parameters.
+      const size_t specs = f < 10 ? 3 : 2;
+      for (size_t s = 0; s < specs; ++s) {
+        const std::string id = "tool" + std::to_string(f) + "x" + std::to_string(s);
+        text += "    <Specification id=\"" + id + "\" title=\"" + id + "\" description=\"A tool.\">\n";
+        for (size_t i = f * 100 + s * 30; i < f * 100 + s * 30 + 40; ++i) {
+          text += "      <ParameterRef id=\"" + w.names()[i] + "\" optional=\"true\"" +
+                  (isUnbounded(bench::kindOf(i)) ? " unbounded=\"true\"" : "") + "/>\n";
+        }
+        text += "    </Specification>\n";
+      }
+      text += "  </Specifications>\n</ConfigurationRegistry>\n";
+      const std::string path = etc + (f == 0 ? std::string("/zelk.crg")
+                                             : "/tools" + std::to_string(f) + ".crg");
+      bench::writeFile(path, text);
+      files.push_back(path);
+    }
+  }
+  ~StartupInstallation() {
+    if (std::system(("rm -rf '" + root + "'").c_str()) != 0) {
+      std::cerr << "could not remove " << root << '\n';
+    }
+  }
+};
+
+StartupInstallation& startupInstallation() {
+  static StartupInstallation instance;
+  return instance;
+}
+
+void Ours_W5startup(benchmark::State& state) {
+  StartupInstallation& s = startupInstallation();
+  Installation& base = installation();
+  gLoaded = nullptr;
+  zc::ConfigurationManager::shutdown();
+  zelk::host::hostSetDirectories(s.etc.c_str(), (s.root + "/plugins").c_str(),
+                                 (s.root + "/config").c_str());
+  const char* argv[] = {"tool", "-aaa-page"};
+  double checksum = 0;
+  for (auto _ : state) {
+    zc::ConfigurationManager* m = zc::ConfigurationManager::getInstance();
+    m->enableConfiguration(false, nullptr, 2, argv, "tool0x0");
+    const zc::ValueGroup values = m->getValueGroup("tool0x0", true, 0);
+    checksum += values.getValue("aaa-page").asBool() ? 1 : 0;
+    state.PauseTiming();
+    zc::ConfigurationManager::shutdown();
+    state.ResumeTiming();
+  }
+  state.counters["checksum"] = checksum;
+  zelk::host::hostSetDirectories(base.etc.c_str(), (base.root + "/plugins").c_str(),
+                                 (base.root + "/config").c_str());
+}
+
+// The floor of start-up: read each file once and tokenize it with the host's XML reader.
+void Floor_W5startup(benchmark::State& state) {
+  StartupInstallation& s = startupInstallation();
+  double checksum = 0;
+  char buffer[1025];
+  for (auto _ : state) {
+    for (const std::string& path : s.files) {
+      zelk::host::XmlTokenReader reader;
+      if (!reader.openFile(path.c_str())) {
+        state.SkipWithError("cannot read a registry file");
+        return;
+      }
+      // Every attribute value is found and decoded.
+      while (reader.skipPast("=") && reader.acceptValue(buffer, sizeof buffer)) {
+        checksum += static_cast<double>(std::strlen(buffer));
+      }
+    }
+  }
+  state.counters["checksum"] = checksum;
+}
+
+#ifdef ZELK_BENCH_HAVE_BOOST_PO
+namespace po = boost::program_options;
+
+// The option set for Boost; every value lands in the variables map.
+// Booleans are switches on the command line and "name=true" lines in files.
+void boostDeclare(po::options_description& options, const Workload& w, bool forFiles = false) {
+  for (size_t i = 0; i < w.parameters(); ++i) {
+    const char* name = w.names()[i].c_str();
+    switch (bench::kindOf(i)) {
+      case Kind::BOOL:
+        if (forFiles) {
+          options.add_options()(name, po::value<bool>());
+        } else {
+          options.add_options()(name, po::bool_switch());
+        }
+        break;
+      case Kind::STRING:
+        options.add_options()(name, po::value<std::string>());
+        break;
+      case Kind::INT32:
+        options.add_options()(name, po::value<int>());
+        break;
+      case Kind::UINT64:
+        options.add_options()(name, po::value<uint64_t>());
+        break;
+      case Kind::DOUBLE:
+        options.add_options()(name, po::value<double>());
+        break;
+      case Kind::UNBOUNDED_INT32:
+        options.add_options()(name, po::value<std::vector<int>>());
+        break;
+      case Kind::UNBOUNDED_STRING:
+        options.add_options()(name, po::value<std::vector<std::string>>());
+        break;
+    }
+  }
+}
+
+double boostReadBack(const po::variables_map& vm, const Workload& w, bool all) {
+  double sum = 0;
+  const size_t count = all ? w.parameters() : w.given().size();
+  for (size_t k = 0; k < count; ++k) {
+    const size_t i = all ? k : w.given()[k];
+    const std::string& name = w.names()[i];
+    switch (bench::kindOf(i)) {
+      case Kind::BOOL:
+        sum += vm[name].as<bool>() ? 1 : 0;
+        break;
+      case Kind::STRING:
+        sum += static_cast<double>(vm[name].as<std::string>().size());
+        break;
+      case Kind::INT32:
+        sum += vm[name].as<int>();
+        break;
+      case Kind::UINT64:
+        sum += static_cast<double>(vm[name].as<uint64_t>());
+        break;
+      case Kind::DOUBLE:
+        sum += vm[name].as<double>();
+        break;
+      case Kind::UNBOUNDED_INT32: {
+        const std::vector<int>& all2 = vm[name].as<std::vector<int>>();
+        sum += all2.at(0) + all2.at(1);
+        break;
+      }
+      case Kind::UNBOUNDED_STRING: {
+        const std::vector<std::string>& all2 = vm[name].as<std::vector<std::string>>();
+        sum += static_cast<double>(all2.at(0).size() + all2.at(1).size());
+        break;
+      }
+    }
+  }
+  return sum;
+}
+
+double boostParse(const po::options_description& options, const Workload& w, bool prefixes) {
+  const std::vector<const char*> argv = w.argv(Workload::PEERS, prefixes);
+  po::variables_map vm;
+  po::store(po::command_line_parser(static_cast<int>(argv.size()), argv.data())
+                .options(options)
+                .style(po::command_line_style::default_style |
+                       po::command_line_style::allow_guessing)
+                .run(),
+            vm);
+  po::notify(vm);
+  return boostReadBack(vm, w, false);
+}
+
+void Boost_W1full(benchmark::State& state) {
+  const Workload& w = workload(state.range(0), state.range(1));
+  double checksum = 0;
+  for (auto _ : state) {
+    po::options_description options;
+    boostDeclare(options, w);
+    checksum += boostParse(options, w, false);
+  }
+  setCounters(state, checksum, w);
+}
+
+void Boost_W1parse(benchmark::State& state) {
+  const Workload& w = workload(state.range(0), state.range(1));
+  po::options_description options;
+  boostDeclare(options, w);
+  double checksum = 0;
+  for (auto _ : state) {
+    checksum += boostParse(options, w, false);
+  }
+  setCounters(state, checksum, w);
+}
+
+void Boost_W2prefixes(benchmark::State& state) {
+  const Workload& w = workload(state.range(0), state.range(1));
+  po::options_description options;
+  boostDeclare(options, w);
+  double checksum = 0;
+  for (auto _ : state) {
+    checksum += boostParse(options, w, true);
+  }
+  setCounters(state, checksum, w);
+}
+
+void Boost_W3ini(benchmark::State& state) {
+  const Workload& w = workload(state.range(0), state.range(1));
+  po::options_description options;
+  boostDeclare(options, w, true);
+  const std::string ini = w.iniText();
+  double checksum = 0;
+  for (auto _ : state) {
+    std::istringstream in(ini);
+    po::variables_map vm;
+    po::store(po::parse_config_file(in, options), vm);
+    po::notify(vm);
+    checksum += boostReadBack(vm, w, true);
+  }
+  state.counters["checksum"] = checksum;
+  state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * w.parameters()));
+}
+
+po::variables_map boostMapOf200(const Workload& w, po::options_description& options) {
+  boostDeclare(options, w);
+  const std::vector<const char*> argv = w.argv(Workload::PEERS, false);
+  po::variables_map vm;
+  po::store(po::parse_command_line(static_cast<int>(argv.size()), argv.data(), options), vm);
+  po::notify(vm);
+  return vm;
+}
+
+void Boost_W4byName(benchmark::State& state) {
+  const Workload& w = workload(200, 200);
+  po::options_description options;
+  const po::variables_map vm = boostMapOf200(w, options);
+  const std::string name = w.names()[W4_PARAMETER];
+  int64_t checksum = 0;
+  for (auto _ : state) {
+    checksum += vm[name].as<int>();
+  }
+  benchmark::DoNotOptimize(checksum);
+  state.counters["checksum"] = static_cast<double>(checksum);
+}
+
+void Boost_W4held(benchmark::State& state) {
+  const Workload& w = workload(200, 200);
+  po::options_description options;
+  const po::variables_map vm = boostMapOf200(w, options);
+  const po::variable_value held = vm[w.names()[W4_PARAMETER]];
+  int64_t checksum = 0;
+  for (auto _ : state) {
+    checksum += held.as<int>();
+  }
+  benchmark::DoNotOptimize(checksum);
+  state.counters["checksum"] = static_cast<double>(checksum);
+}
+#endif
+
+#ifdef ZELK_BENCH_HAVE_CLI11
+// Storage for every CLI11 option of one run.
+struct Cli11Values {
+  std::vector<bool> bools;
+  std::vector<std::string> strings;
+  std::vector<int> ints;
+  std::vector<uint64_t> uints;
+  std::vector<double> doubles;
+  std::vector<std::vector<int>> intLists;
+  std::vector<std::vector<std::string>> stringLists;
+  explicit Cli11Values(size_t n)
+      : bools(n), strings(n), ints(n), uints(n), doubles(n), intLists(n), stringLists(n) {}
+};
+
+// Booleans are flags; std::vector<bool> has no addressable elements, so they go through a
+// callback.
+void cli11Declare(CLI::App& app, Cli11Values& v, const Workload& w) {
+  for (size_t i = 0; i < w.parameters(); ++i) {
+    const std::string flag = "--" + w.names()[i];
+    switch (bench::kindOf(i)) {
+      case Kind::BOOL:
+        app.add_flag_function(flag, [&v, i](int64_t count) { v.bools[i] = count > 0; });
+        break;
+      case Kind::STRING:
+        app.add_option(flag, v.strings[i]);
+        break;
+      case Kind::INT32:
+        app.add_option(flag, v.ints[i]);
+        break;
+      case Kind::UINT64:
+        app.add_option(flag, v.uints[i]);
+        break;
+      case Kind::DOUBLE:
+        app.add_option(flag, v.doubles[i]);
+        break;
+      case Kind::UNBOUNDED_INT32:
+        app.add_option(flag, v.intLists[i]);
+        break;
+      case Kind::UNBOUNDED_STRING:
+        app.add_option(flag, v.stringLists[i]);
+        break;
+    }
+  }
+}
+
+double cli11ReadBack(const Cli11Values& v, const Workload& w, bool all) {
+  double sum = 0;
+  const size_t count = all ? w.parameters() : w.given().size();
+  for (size_t k = 0; k < count; ++k) {
+    const size_t i = all ? k : w.given()[k];
+    switch (bench::kindOf(i)) {
+      case Kind::BOOL:
+        sum += v.bools[i] ? 1 : 0;
+        break;
+      case Kind::STRING:
+        sum += static_cast<double>(v.strings[i].size());
+        break;
+      case Kind::INT32:
+        sum += v.ints[i];
+        break;
+      case Kind::UINT64:
+        sum += static_cast<double>(v.uints[i]);
+        break;
+      case Kind::DOUBLE:
+        sum += v.doubles[i];
+        break;
+      case Kind::UNBOUNDED_INT32:
+        sum += v.intLists[i].at(0) + v.intLists[i].at(1);
+        break;
+      case Kind::UNBOUNDED_STRING:
+        sum += static_cast<double>(v.stringLists[i].at(0).size() + v.stringLists[i].at(1).size());
+        break;
+    }
+  }
+  return sum;
+}
+
+void Cli11_W1full(benchmark::State& state) {
+  const Workload& w = workload(state.range(0), state.range(1));
+  const std::vector<const char*> argv = w.argv(Workload::PEERS, false);
+  double checksum = 0;
+  for (auto _ : state) {
+    CLI::App app("bench");
+    Cli11Values v(w.parameters());
+    cli11Declare(app, v, w);
+    app.parse(static_cast<int>(argv.size()), argv.data());
+    checksum += cli11ReadBack(v, w, false);
+  }
+  setCounters(state, checksum, w);
+}
+
+void Cli11_W1parse(benchmark::State& state) {
+  const Workload& w = workload(state.range(0), state.range(1));
+  const std::vector<const char*> argv = w.argv(Workload::PEERS, false);
+  CLI::App app("bench");
+  Cli11Values v(w.parameters());
+  cli11Declare(app, v, w);
+  double checksum = 0;
+  for (auto _ : state) {
+    app.clear();
+    app.parse(static_cast<int>(argv.size()), argv.data());
+    checksum += cli11ReadBack(v, w, false);
+    state.PauseTiming();
+    for (auto& list : v.intLists) list.clear();
+    for (auto& list : v.stringLists) list.clear();
+    state.ResumeTiming();
+  }
+  setCounters(state, checksum, w);
+}
+
+void Cli11_W3ini(benchmark::State& state) {
+  const Workload& w = workload(state.range(0), state.range(1));
+  const std::string ini = w.iniText();
+  CLI::App app("bench");
+  Cli11Values v(w.parameters());
+  cli11Declare(app, v, w);
+  app.allow_config_extras(false);
+  double checksum = 0;
+  for (auto _ : state) {
+    app.clear();
+    std::istringstream in(ini);
+    app.parse_from_stream(in);
+    checksum += cli11ReadBack(v, w, true);
+    state.PauseTiming();
+    for (auto& list : v.intLists) list.clear();
+    for (auto& list : v.stringLists) list.clear();
+    state.ResumeTiming();
+  }
+  state.counters["checksum"] = checksum;
+  state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * w.parameters()));
+}
+#endif
+
+void sized(benchmark::internal::Benchmark* b) {
+  for (const auto& size : SIZES) {
+    b->Args({static_cast<int64_t>(size[0]), static_cast<int64_t>(size[1])});
+  }
+  b->ArgNames({"P", "A"})->Unit(benchmark::kMicrosecond);
+}
+
+// W3 uses E = P entries; the argument count is not used.
+void sizedFiles(benchmark::internal::Benchmark* b) {
+  for (const auto& size : SIZES) {
+    b->Args({static_cast<int64_t>(size[0]), 0});
+  }
+  b->ArgNames({"P", "A"})->Unit(benchmark::kMicrosecond);
+}
+
+// One process doing W1full at the largest size once, for peak-RSS comparisons.
+int memoryRun(const std::string& who) {
+  const Workload& w = workload(20000, 5000);
+  double checksum = 0;
+  if (who == "ours") {
+    zc::ConfigurationManager& m = manager();
+    const std::string path = registryFileFor(w);
+    zc::ConfigurationRegistryLoader::loadFile(path.c_str(), &m, 0);
+    checksum = oursParse(*m.getSpecification(specIdFor(w.parameters()).c_str()), w, false);
+#ifdef ZELK_BENCH_HAVE_BOOST_PO
+  } else if (who == "boost") {
+    po::options_description options;
+    boostDeclare(options, w);
+    checksum = boostParse(options, w, false);
+#endif
+#ifdef ZELK_BENCH_HAVE_CLI11
+  } else if (who == "cli11") {
+    CLI::App app("bench");
+    Cli11Values v(w.parameters());
+    cli11Declare(app, v, w);
+    const std::vector<const char*> argv = w.argv(Workload::PEERS, false);
+    app.parse(static_cast<int>(argv.size()), argv.data());
+    checksum = cli11ReadBack(v, w, false);
+#endif
+  } else if (who != "none") {
+    std::cerr << "unknown --memory subject " << who << '\n';
+    return 2;
+  }
+  std::cout << "checksum " << checksum << '\n';
+  return 0;
+}
+
+}  // namespace
+
+// One run of a workload, for instruction counts: callgrind collects inside this function only
+// (--toggle-collect=measuredRun*), so set-up and generation are left out.
+extern "C" __attribute__((noinline)) double measuredRun(const std::string& who,
+                                                        const std::string& what,
+                                                        const Workload& w) {
+  if (who == "ours") {
+    zc::ConfigurationManager& m = manager();
+    if (what == "W1full") {
+      zc::ConfigurationRegistryLoader::loadFile(registryFileFor(w).c_str(), &m, 0);
+      return oursParse(*m.getSpecification(specIdFor(w.parameters()).c_str()), w, false);
+    }
+    const zc::Specification& spec = *m.getSpecification(specIdFor(w.parameters()).c_str());
+    if (what == "W1parse" || what == "W2") {
+      return oursParse(spec, w, what == "W2");
+    }
+    if (what == "W3") {
+      const std::string path = installation().root + "/" + specIdFor(w.parameters()) + ".xml";
+      zc::XmlFileValueProvider file(3, "");
+      file.enableProvider(path.c_str(), 0);
+      zc::ValueGroup merged(&spec);
+      merged.merge(spec, file.getValues(spec, 0));
+      return readAll(merged, w);
+    }
+  }
+#ifdef ZELK_BENCH_HAVE_BOOST_PO
+  if (who == "boost") {
+    po::options_description options;
+    boostDeclare(options, w, what == "W3");
+    if (what == "W3") {
+      std::istringstream in(w.iniText());
+      po::variables_map vm;
+      po::store(po::parse_config_file(in, options), vm);
+      po::notify(vm);
+      return boostReadBack(vm, w, true);
+    }
+    return boostParse(options, w, what == "W2");
+  }
+#endif
+#ifdef ZELK_BENCH_HAVE_CLI11
+  if (who == "cli11" && what != "W2") {
+    CLI::App app("bench");
+    Cli11Values v(w.parameters());
+    cli11Declare(app, v, w);
+    if (what == "W3") {
+      std::istringstream in(w.iniText());
+      app.parse_from_stream(in);
+      return cli11ReadBack(v, w, true);
+    }
+    const std::vector<const char*> argv = w.argv(Workload::PEERS, false);
+    app.parse(static_cast<int>(argv.size()), argv.data());
+    return cli11ReadBack(v, w, false);
+  }
+#endif
+  throw std::runtime_error("no such run: " + who + " " + what);
+}
+
+namespace {
+
+// --once=who:what:P:A prepares the workload, then runs it once through measuredRun.
+int onceRun(const std::string& spec) {
+  std::istringstream in(spec);
+  std::string who, what, p, a;
+  std::getline(in, who, ':');
+  std::getline(in, what, ':');
+  std::getline(in, p, ':');
+  std::getline(in, a, ':');
+  const Workload& w = workload(std::stoul(p), what == "W3" ? 0 : std::stoul(a));
+  // The generated texts and files exist before the measured part begins.
+  w.words(Workload::OURS, true);
+  w.words(Workload::OURS, false);
+  w.words(Workload::PEERS, true);
+  w.words(Workload::PEERS, false);
+  if (who == "ours") {
+    if (what == "W1full") {
+      registryFileFor(w);
+    } else {
+      ensureLoaded(w);
+    }
+    if (what == "W3") {
+      bench::writeFile(installation().root + "/" + specIdFor(w.parameters()) + ".xml",
+                       w.valueFileText(specIdFor(w.parameters())));
+    }
+  }
+  std::cout << "checksum " << measuredRun(who, what, w) << '\n';
+  return 0;
+}
+
+}  // namespace
+
+BENCHMARK(Ours_W1full)->Apply(sized);
+BENCHMARK(Ours_W1parse)->Apply(sized);
+BENCHMARK(Ours_W2prefixes)->Apply(sized);
+BENCHMARK(Ours_W3valueFile)->Apply(sizedFiles);
+BENCHMARK(Ours_W4byName);
+BENCHMARK(Ours_W4held);
+BENCHMARK(Ours_W5startup)->Unit(benchmark::kMicrosecond);
+BENCHMARK(Floor_W5startup)->Unit(benchmark::kMicrosecond);
+#ifdef ZELK_BENCH_HAVE_BOOST_PO
+BENCHMARK(Boost_W1full)->Apply(sized);
+BENCHMARK(Boost_W1parse)->Apply(sized);
+BENCHMARK(Boost_W2prefixes)->Apply(sized);
+BENCHMARK(Boost_W3ini)->Apply(sizedFiles);
+BENCHMARK(Boost_W4byName);
+BENCHMARK(Boost_W4held);
+#endif
+#ifdef ZELK_BENCH_HAVE_CLI11
+BENCHMARK(Cli11_W1full)->Apply(sized);
+BENCHMARK(Cli11_W1parse)->Apply(sized);
+BENCHMARK(Cli11_W3ini)->Apply(sizedFiles);
+#endif
+
+int main(int argc, char** argv) {
+  for (int i = 1; i < argc; ++i) {
+    if (std::strncmp(argv[i], "--once=", 7) == 0) {
+      try {
+        return onceRun(argv[i] + 7);
+      } catch (const std::exception& e) {
+        std::cerr << "error: " << e.what() << '\n';
+        return 1;
+      }
+    }
+    if (std::strncmp(argv[i], "--memory=", 9) == 0) {
+      try {
+        return memoryRun(argv[i] + 9);
+      } catch (const std::exception& e) {
+        std::cerr << "error: " << e.what() << '\n';
+        return 1;
+      }
+    }
+  }
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
+    return 1;
+  }
+  try {
+    benchmark::RunSpecifiedBenchmarks();
+  } catch (const std::exception& e) {
+    std::cerr << "error: " << e.what() << '\n';
+    return 1;
+  }
+  benchmark::Shutdown();
+  return 0;
+}
