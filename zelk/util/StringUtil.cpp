@@ -140,12 +140,17 @@ std::string StringUtil::escapeString(const char* s) {
   return result;
 }
 
-std::basic_string<unsigned short> StringUtil::toUtf16(const char* s) {
-  std::basic_string<unsigned short> result;
+namespace {
+
+// Decodes s code point by code point after measuring it with measure, handing each code point to
+// append. Both the measure and the decoder reject invalid UTF-8.
+template <typename Result, typename Append>
+Result decodeUtf8(const char* s, unsigned int (*measure)(const char*), Append append) {
+  Result result;
   if (s == nullptr || *s == '\0') {
     return result;
   }
-  const unsigned int length = UtfUtil::length16(s);
+  const unsigned int length = measure(s);
   if (length == 0xFFFFFFFF) {
     throw std::invalid_argument(INVALID_UTF8);
   }
@@ -156,34 +161,27 @@ std::basic_string<unsigned short> StringUtil::toUtf16(const char* s) {
     if (n == -1) {
       throw std::invalid_argument(INVALID_UTF8);
     }
-    unsigned short units[2];
-    const int count = UtfUtil::codePointToUtf16(cp, units);
-    result.append(units, static_cast<size_t>(count));
+    append(result, cp);
     p += n;
   }
   return result;
 }
 
+}  // namespace
+
+std::basic_string<unsigned short> StringUtil::toUtf16(const char* s) {
+  using Utf16 = std::basic_string<unsigned short>;
+  return decodeUtf8<Utf16>(s, &UtfUtil::length16, [](Utf16& out, unsigned int cp) {
+    unsigned short units[2];
+    const int count = UtfUtil::codePointToUtf16(cp, units);
+    out.append(units, static_cast<size_t>(count));
+  });
+}
+
 std::wstring StringUtil::toWString(const char* s) {
-  std::wstring result;
-  if (s == nullptr || *s == '\0') {
-    return result;
-  }
-  const unsigned int length = UtfUtil::length32(s);
-  if (length == 0xFFFFFFFF) {
-    throw std::invalid_argument(INVALID_UTF8);
-  }
-  result.reserve(length);
-  for (const char* p = s; *p != '\0';) {
-    unsigned int cp = 0;
-    const int n = UtfUtil::getUtf8CodePoint(p, cp);
-    if (n == -1) {
-      throw std::invalid_argument(INVALID_UTF8);
-    }
-    result += static_cast<wchar_t>(cp);
-    p += n;
-  }
-  return result;
+  return decodeUtf8<std::wstring>(s, &UtfUtil::length32, [](std::wstring& out, unsigned int cp) {
+    out += static_cast<wchar_t>(cp);
+  });
 }
 
 std::string StringUtil::toUtf8(const unsigned short* s) {
