@@ -25,6 +25,7 @@
 #include <string>
 #include <vector>
 
+#include "Installation.h"
 #include "Workload.h"
 #include "zelk/configuration/ConfigurationManager.h"
 #include "zelk/configuration/ConfigurationRegistryLoader.h"
@@ -66,36 +67,7 @@ const Workload& workload(size_t parameters, size_t arguments) {
   return *w;
 }
 
-// The temporary installation the process-wide manager starts from, and the generated files.
-struct Installation {
-  std::string root;
-  std::string etc;
-  Installation() {
-    root = bench::makeTempDir("install");
-    etc = root + "/etc";
-    const std::string plugins = root + "/plugins";
-    const std::string config = root + "/config";
-    for (const std::string& dir : {etc, plugins, config}) {
-      if (std::system(("mkdir -p '" + dir + "'").c_str()) != 0) {
-        throw std::runtime_error("cannot create " + dir);
-      }
-    }
-    bench::writeFile(etc + "/zelk.crg",
-                     "<?xml version=\"1.0\"?>\n<ConfigurationRegistry crgSchemaVersion=\"1.1\">\n"
-                     "</ConfigurationRegistry>\n");
-    zelk::host::hostSetDirectories(etc.c_str(), plugins.c_str(), config.c_str());
-  }
-  ~Installation() {
-    if (std::system(("rm -rf '" + root + "'").c_str()) != 0) {
-      std::cerr << "could not remove " << root << '\n';
-    }
-  }
-};
-
-Installation& installation() {
-  static Installation instance;
-  return instance;
-}
+bench::Installation& installation() { return bench::Installation::instance(); }
 
 zc::ConfigurationManager& manager() {
   installation();
@@ -106,7 +78,7 @@ std::string specIdFor(size_t parameters) { return "w" + std::to_string(parameter
 
 std::string registryFileFor(const Workload& w) {
   const std::string path =
-      installation().root + "/" + specIdFor(w.parameters()) + ".crg.generated";
+      installation().root() + "/" + specIdFor(w.parameters()) + ".crg.generated";
   std::ifstream probe(path);
   if (!probe) {
     bench::writeFile(path, w.registryText(specIdFor(w.parameters())));
@@ -272,7 +244,7 @@ double readAll(const zc::ValueGroup& values, const Workload& w) {
 void Ours_W3valueFile(benchmark::State& state) {
   const Workload& w = workload(state.range(0), state.range(1));
   const zc::Specification& spec = ensureLoaded(w);
-  const std::string path = installation().root + "/" + specIdFor(w.parameters()) + ".xml";
+  const std::string path = installation().root() + "/" + specIdFor(w.parameters()) + ".xml";
   bench::writeFile(path, w.valueFileText(specIdFor(w.parameters())));
   double checksum = 0;
   for (auto _ : state) {
@@ -378,7 +350,6 @@ StartupInstallation& startupInstallation() {
 
 void Ours_W5startup(benchmark::State& state) {
   StartupInstallation& s = startupInstallation();
-  Installation& base = installation();
   gLoaded = nullptr;
   zc::ConfigurationManager::shutdown();
   zelk::host::hostSetDirectories(s.etc.c_str(), (s.root + "/plugins").c_str(),
@@ -395,8 +366,7 @@ void Ours_W5startup(benchmark::State& state) {
     state.ResumeTiming();
   }
   state.counters["checksum"] = checksum;
-  zelk::host::hostSetDirectories(base.etc.c_str(), (base.root + "/plugins").c_str(),
-                                 (base.root + "/config").c_str());
+  installation().activate();
 }
 
 // The floor of start-up: read each file once and tokenize it with the host's XML reader.
@@ -792,7 +762,7 @@ extern "C" __attribute__((noinline)) double measuredRun(const std::string& who,
       return oursParse(spec, w, what == "W2");
     }
     if (what == "W3") {
-      const std::string path = installation().root + "/" + specIdFor(w.parameters()) + ".xml";
+      const std::string path = installation().root() + "/" + specIdFor(w.parameters()) + ".xml";
       zc::XmlFileValueProvider file(3, "");
       file.enableProvider(path.c_str(), 0);
       zc::ValueGroup merged(&spec);
@@ -855,7 +825,7 @@ int onceRun(const std::string& spec) {
       ensureLoaded(w);
     }
     if (what == "W3") {
-      bench::writeFile(installation().root + "/" + specIdFor(w.parameters()) + ".xml",
+      bench::writeFile(installation().root() + "/" + specIdFor(w.parameters()) + ".xml",
                        w.valueFileText(specIdFor(w.parameters())));
     }
   }

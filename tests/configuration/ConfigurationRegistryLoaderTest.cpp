@@ -320,7 +320,7 @@ TEST_F(ConfigurationRegistryLoaderTest, BoundsNestingCopiesAndLongValues) {
   load(registry(MODE_AND_LEVEL));
   // Containers nested far too deep are refused with the position, without using up the stack.
   std::string deep;
-  for (int i = 0; i < 5000; ++i) deep += "<Container id=\"c\" description=\"C\">";
+  for (int i = 0; i < 10000; ++i) deep += "<Container id=\"c\" description=\"C\">";
   const std::string tooDeep = failure(
       registry("<Specifications><Specification id=\"deep\" description=\"D\">" + deep));
   EXPECT_NE(std::string::npos, tooDeep.find("Elements are nested deeper than 256 levels at line"))

@@ -109,6 +109,8 @@ TEST(ExtensionPointTest, SkipsBrokenAndUnsafeLibrariesWithOneLogLineEach) {
   installation.copyIntoPlugins(built("NoNamePlugin"), "libnoname.so");
   installation.copyIntoPlugins(built("OtherExtensionPlugin"), "libother.so");
   installation.writePluginsFile("libbroken.so", "this is not an ELF file");
+  // Opening a FIFO for reading would wait for a writer; it must be refused without waiting.
+  ASSERT_EQ(0, mkfifo((installation.pluginsDir() + "/libfifo.so").c_str(), 0644));
   const std::string groupWritable =
       installation.copyIntoPlugins(built("GoodPlugin"), "libgroupwritable.so");
   chmod(groupWritable.c_str(), 0775);
@@ -129,7 +131,9 @@ TEST(ExtensionPointTest, SkipsBrokenAndUnsafeLibrariesWithOneLogLineEach) {
   const std::string dir = installation.pluginsDir();
   const std::string skipped = "Skipped plug-in library \"" + dir;
   const std::vector<std::string> expected = {
-      skipped + "/libbroken.so\": it cannot be loaded: ",
+      // The loader's message names the library by its own path.
+      skipped + "/libbroken.so\": it cannot be loaded: " + dir + "/libbroken.so: ",
+      skipped + "/libfifo.so\": it is not a regular file",
       skipped + "/libgroupwritable.so\": it is writable by group or others",
       skipped + "/liblink.so\": it leads outside the plug-ins directory",
       skipped + "/libnocreate.so\": it does not export createPlugin()",

@@ -230,6 +230,11 @@ size_t hostLoadPlugins(const char* extensionPointName) {
       logSkip(candidate.path, "it leads outside the plug-ins directory");
       continue;
     }
+    // Checked and loaded by path. Only someone who may write the file's directory can swap the
+    // file in between, and the checks here leave that to the owner. Loading through
+    // "/proc/self/fd/N" would close even that window, but the dynamic loader matches objects it
+    // has loaded by name first, and descriptor numbers are reused, so it could return another
+    // library than the one checked.
     struct stat info;
     if (stat(path.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) {
       logSkip(candidate.path, "it is not a regular file");

@@ -1,0 +1,206 @@
+// Hostile sizes: a command line of up to 1,000,000 words and a value file of up to 50 MB, each at
+// two sizes ten times apart, so that the ratio of the two rows shows whether the work grows
+// linearly with the input (a ratio near 10) or faster.
+//
+//   Large_commandLine        flag/value pairs for two unbounded parameters, parsed, matched,
+//                            validated and counted back
+//   Large_commandLineUnknown words that name no parameter: parsed, then refused by validation with
+//                            one message per word
+//   Large_valueFile          a value file of unbounded entries, read, matched and counted back
+//   Large_valueFileOneValue  a value file whose one attribute value fills the file: refused with
+//                            the error naming where the value ends
+//
+//   zelk_bench_large --benchmark_filter=Large_valueFile/
+//
+// Inputs are generated once per size, outside the timed part.
+
+#include <benchmark/benchmark.h>
+
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "Installation.h"
+#include "Workload.h"
+#include "zelk/configuration/ConfigurationManager.h"
+#include "zelk/configuration/ConfigurationRegistryLoader.h"
+#include "zelk/configuration/Specification.h"
+#include "zelk/configuration/UnboundedValue.h"
+#include "zelk/configuration/ValidationException.h"
+#include "zelk/configuration/Value.h"
+#include "zelk/configuration/ValueGroup.h"
+#include "zelk/configuration/XmlFileValueProvider.h"
+#include "zelk/configuration/impl/CommandLineValueProvider.h"
+
+namespace zc = zelk::configuration;
+
+namespace {
+
+const char* const SPEC_ID = "large";
+
+// The specification every row reads into: two unbounded parameters and one plain string.
+const zc::Specification& specification() {
+  static const zc::Specification* spec = [] {
+    bench::Installation& here = bench::Installation::instance();
+    const std::string path = here.root() + "/large.crg.generated";
+    bench::writeFile(
+        path,
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+        "<ConfigurationRegistry crgSchemaVersion=\"1.1\">\n  <Parameters>\n"
+        "    <Parameter id=\"large-name\" type=\"string\" description=\"A name.\"/>\n"
+        "    <Parameter id=\"large-count\" type=\"int32\" description=\"A count.\"/>\n"
+        "    <Parameter id=\"large-title\" type=\"string\" description=\"A title.\"/>\n"
+        "  </Parameters>\n  <Specifications>\n"
+        "    <Specification id=\"large\" title=\"large\" description=\"Large inputs.\">\n"
+        "      <ParameterRef id=\"large-name\" optional=\"true\" unbounded=\"true\"/>\n"
+        "      <ParameterRef id=\"large-count\" optional=\"true\" unbounded=\"true\"/>\n"
+        "      <ParameterRef id=\"large-title\" optional=\"true\"/>\n"
+        "    </Specification>\n  </Specifications>\n</ConfigurationRegistry>\n");
+    zc::ConfigurationManager* m = zc::ConfigurationManager::getInstance();
+    zc::ConfigurationRegistryLoader::loadFile(path.c_str(), m, 0);
+    const zc::Specification* loaded = m->getSpecification(SPEC_ID);
+    if (loaded == nullptr) {
+      throw std::runtime_error("the large-input specification did not load");
+    }
+    return loaded;
+  }();
+  return *spec;
+}
+
+// Command lines by kind and word count, generated once.
+const std::vector<std::string>& commandLine(bool unknown, size_t words) {
+  static std::map<std::pair<bool, size_t>, std::vector<std::string>> cache;
+  std::vector<std::string>& line = cache[std::make_pair(unknown, words)];
+  if (line.empty()) {
+    line.reserve(words + 1);
+    line.push_back("bench");
+    for (size_t k = 0; line.size() <= words; ++k) {
+      if (unknown) {
+        line.push_back("-unknown" + std::to_string(k));
+      } else if (k % 2 == 0) {
+        line.push_back("-large-name");
+        line.push_back("name" + std::to_string(k));
+      } else {
+        line.push_back("-large-count");
+        line.push_back(std::to_string(k));
+      }
+    }
+    line.resize(words + 1);
+  }
+  return line;
+}
+
+std::vector<const char*> argvOf(const std::vector<std::string>& words) {
+  std::vector<const char*> argv;
+  argv.reserve(words.size());
+  for (const std::string& word : words) {
+    argv.push_back(word.c_str());
+  }
+  return argv;
+}
+
+void Large_commandLine(benchmark::State& state) {
+  const zc::Specification& spec = specification();
+  const std::vector<const char*> argv = argvOf(commandLine(false, state.range(0)));
+  size_t values = 0;
+  for (auto _ : state) {
+    zc::impl::CommandLineValueProvider cli(1, "");
+    cli.enableProvider(static_cast<int>(argv.size()), argv.data(), SPEC_ID, 0);
+    const zc::ValueGroup group = cli.getValues(spec, 0);
+    values += group.getUnboundedValue("large-name").getValueCount() +
+              group.getUnboundedValue("large-count").getValueCount();
+  }
+  state.counters["values"] = static_cast<double>(values / state.iterations());
+  state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * state.range(0)));
+}
+
+void Large_commandLineUnknown(benchmark::State& state) {
+  const zc::Specification& spec = specification();
+  const std::vector<const char*> argv = argvOf(commandLine(true, state.range(0)));
+  size_t messageBytes = 0;
+  for (auto _ : state) {
+    zc::impl::CommandLineValueProvider cli(1, "");
+    cli.enableProvider(static_cast<int>(argv.size()), argv.data(), SPEC_ID, 0);
+    try {
+      cli.getValues(spec, 0);
+      state.SkipWithError("unknown flags were accepted");
+      return;
+    } catch (const zc::ValidationException& e) {
+      messageBytes += std::string(e.what()).size();
+    }
+  }
+  state.counters["messageBytes"] = static_cast<double>(messageBytes / state.iterations());
+  state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * state.range(0)));
+}
+
+// A value file of about megabytes * 1,000,000 bytes, written once per size and shape.
+std::string valueFile(bool oneValue, size_t megabytes) {
+  const std::string path = bench::Installation::instance().root() + "/large-" +
+                           (oneValue ? "one-" : "many-") + std::to_string(megabytes) + ".xml";
+  static std::map<std::string, bool> written;
+  if (!written[path]) {
+    const size_t bytes = megabytes * 1000 * 1000;
+    std::string text;
+    text.reserve(bytes + 256);
+    text += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<large";
+    if (oneValue) {
+      text += " large-title=\"";
+      text.append(bytes, 't');
+      text += "\">\n";
+    } else {
+      text += ">\n";
+      for (size_t k = 0; text.size() < bytes; ++k) {
+        text += k % 2 == 0 ? "  <large-name value=\"name" + std::to_string(k) + "\"/>\n"
+                           : "  <large-count value=\"" + std::to_string(k) + "\"/>\n";
+      }
+    }
+    text += "</large>\n";
+    bench::writeFile(path, text);
+    written[path] = true;
+  }
+  return path;
+}
+
+void Large_valueFile(benchmark::State& state) {
+  const zc::Specification& spec = specification();
+  const std::string path = valueFile(false, state.range(0));
+  size_t values = 0;
+  for (auto _ : state) {
+    zc::XmlFileValueProvider file(3, "");
+    file.enableProvider(path.c_str(), 0);
+    const zc::ValueGroup group = file.getValues(spec, 0);
+    values += group.getUnboundedValue("large-name").getValueCount() +
+              group.getUnboundedValue("large-count").getValueCount();
+  }
+  state.counters["values"] = static_cast<double>(values / state.iterations());
+  state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * state.range(0) * 1000000));
+}
+
+void Large_valueFileOneValue(benchmark::State& state) {
+  const zc::Specification& spec = specification();
+  const std::string path = valueFile(true, state.range(0));
+  for (auto _ : state) {
+    zc::XmlFileValueProvider file(3, "");
+    try {
+      file.enableProvider(path.c_str(), 0);
+      file.getValues(spec, 0);
+      state.SkipWithError("a value longer than the reader's buffer was accepted");
+      return;
+    } catch (const zc::ValidationException&) {
+      // Expected: the value does not fit.
+    }
+  }
+  state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * state.range(0) * 1000000));
+}
+
+}  // namespace
+
+BENCHMARK(Large_commandLine)->ArgName("words")->Arg(100000)->Arg(1000000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(Large_commandLineUnknown)->ArgName("words")->Arg(100000)->Arg(1000000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(Large_valueFile)->ArgName("MB")->Arg(5)->Arg(50)->Unit(benchmark::kMillisecond);
+BENCHMARK(Large_valueFileOneValue)->ArgName("MB")->Arg(5)->Arg(50)->Unit(benchmark::kMillisecond);
+
+BENCHMARK_MAIN();
