@@ -121,38 +121,37 @@ const zc::Specification& ensureLoaded(const Workload& w) {
   return *spec;
 }
 
+// Reads parameter i back in its type, as a number for the checksum.
+double readOne(const zc::ValueGroup& values, const Workload& w, size_t i) {
+  const char* name = w.names()[i].c_str();
+  switch (bench::kindOf(i)) {
+    case Kind::BOOL:
+      return values.getValue(name).asBool() ? 1 : 0;
+    case Kind::STRING:
+      return static_cast<double>(values.getValue(name).asString().size());
+    case Kind::INT32:
+      return values.getValue(name).asInt32();
+    case Kind::UINT64:
+      return static_cast<double>(values.getValue(name).asUInt64());
+    case Kind::DOUBLE:
+      return values.getValue(name).asDouble();
+    case Kind::UNBOUNDED_INT32: {
+      const zc::UnboundedValue all = values.getUnboundedValue(name);
+      return all.asInt32(0) + all.asInt32(1);
+    }
+    case Kind::UNBOUNDED_STRING: {
+      const zc::UnboundedValue all = values.getUnboundedValue(name);
+      return static_cast<double>(all.asString(0).size() + all.asString(1).size());
+    }
+  }
+  return 0;
+}
+
 // Reads every given parameter back in its type and folds it into a checksum.
 double readBack(const zc::ValueGroup& values, const Workload& w) {
   double sum = 0;
   for (size_t i : w.given()) {
-    const char* name = w.names()[i].c_str();
-    switch (bench::kindOf(i)) {
-      case Kind::BOOL:
-        sum += values.getValue(name).asBool() ? 1 : 0;
-        break;
-      case Kind::STRING:
-        sum += static_cast<double>(values.getValue(name).asString().size());
-        break;
-      case Kind::INT32:
-        sum += values.getValue(name).asInt32();
-        break;
-      case Kind::UINT64:
-        sum += static_cast<double>(values.getValue(name).asUInt64());
-        break;
-      case Kind::DOUBLE:
-        sum += values.getValue(name).asDouble();
-        break;
-      case Kind::UNBOUNDED_INT32: {
-        const zc::UnboundedValue all = values.getUnboundedValue(name);
-        sum += all.asInt32(0) + all.asInt32(1);
-        break;
-      }
-      case Kind::UNBOUNDED_STRING: {
-        const zc::UnboundedValue all = values.getUnboundedValue(name);
-        sum += static_cast<double>(all.asString(0).size() + all.asString(1).size());
-        break;
-      }
-    }
+    sum += readOne(values, w, i);
   }
   return sum;
 }
@@ -206,37 +205,11 @@ void Ours_W2prefixes(benchmark::State& state) {
   setCounters(state, checksum, w);
 }
 
+// Reads every parameter back in its type and folds it into a checksum.
 double readAll(const zc::ValueGroup& values, const Workload& w) {
   double sum = 0;
   for (size_t i = 0; i < w.parameters(); ++i) {
-    const char* name = w.names()[i].c_str();
-    switch (bench::kindOf(i)) {
-      case Kind::BOOL:
-        sum += values.getValue(name).asBool() ? 1 : 0;
-        break;
-      case Kind::STRING:
-        sum += static_cast<double>(values.getValue(name).asString().size());
-        break;
-      case Kind::INT32:
-        sum += values.getValue(name).asInt32();
-        break;
-      case Kind::UINT64:
-        sum += static_cast<double>(values.getValue(name).asUInt64());
-        break;
-      case Kind::DOUBLE:
-        sum += values.getValue(name).asDouble();
-        break;
-      case Kind::UNBOUNDED_INT32: {
-        const zc::UnboundedValue all = values.getUnboundedValue(name);
-        sum += all.asInt32(0) + all.asInt32(1);
-        break;
-      }
-      case Kind::UNBOUNDED_STRING: {
-        const zc::UnboundedValue all = values.getUnboundedValue(name);
-        sum += static_cast<double>(all.asString(0).size() + all.asString(1).size());
-        break;
-      }
-    }
+    sum += readOne(values, w, i);
   }
   return sum;
 }
