@@ -17,6 +17,7 @@
 #include <benchmark/benchmark.h>
 
 #include <map>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -138,8 +139,8 @@ void Large_commandLineUnknown(benchmark::State& state) {
 std::string valueFile(bool oneValue, size_t megabytes) {
   const std::string path = bench::Installation::instance().root() + "/large-" +
                            (oneValue ? "one-" : "many-") + std::to_string(megabytes) + ".xml";
-  static std::map<std::string, bool> written;
-  if (!written[path]) {
+  static std::set<std::string> written;
+  if (written.insert(path).second) {
     const size_t bytes = megabytes * 1000 * 1000;
     std::string text;
     text.reserve(bytes + 256);
@@ -157,7 +158,6 @@ std::string valueFile(bool oneValue, size_t megabytes) {
     }
     text += "</large>\n";
     bench::writeFile(path, text);
-    written[path] = true;
   }
   return path;
 }

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <string>
 
 #include "zelk/configuration/ConfigurationException.h"
@@ -30,6 +32,15 @@ inline void fail(const char* what) {
 // The registry that declares the rich specification "rich" (and a second one, "small").
 inline std::string richRegistryPath() {
   return std::string(ZELK_FUZZ_DIR) + "/corpus/registry/rich.crg";
+}
+
+// The text of that registry, read once.
+inline const std::string& richRegistryText() {
+  static const std::string text = [] {
+    std::ifstream in(richRegistryPath(), std::ios::binary);
+    return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  }();
+  return text;
 }
 
 // The process-wide manager with the rich registry loaded; made on first use. The host gives no

@@ -3,8 +3,6 @@
 // loads is then described, which walks every item it created.
 #include <cstddef>
 #include <cstdint>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "FuzzSupport.h"
@@ -17,14 +15,6 @@
 using namespace zelk::configuration;
 
 namespace {
-
-const std::string& richRegistryText() {
-  static const std::string text = [] {
-    std::ifstream in(zelk::fuzz::richRegistryPath(), std::ios::binary);
-    return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  }();
-  return text;
-}
 
 void describeAll(ConfigurationManager* manager) {
   zelk::IEnumerator<Specification*>* specifications = manager->getSpecificationEnumerator();
@@ -40,7 +30,7 @@ void load(const uint8_t* data, size_t size, bool afterRich) {
   ConfigurationManager* manager = impl::Factory::createManager();
   if (afterRich) {
     impl::ConfigurationRegistryLoaderImpl(manager).loadBuffer(
-        richRegistryText().data(), richRegistryText().size(), "rich.crg", 0);
+        zelk::fuzz::richRegistryText().data(), zelk::fuzz::richRegistryText().size(), "rich.crg", 0);
   }
   try {
     impl::ConfigurationRegistryLoaderImpl(manager).loadBuffer(

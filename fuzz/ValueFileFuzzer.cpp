@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <fstream>
-#include <iterator>
 #include <string>
 
 #include "FuzzSupport.h"
@@ -20,14 +19,6 @@
 using namespace zelk::configuration;
 
 namespace {
-
-const std::string& richRegistryText() {
-  static const std::string text = [] {
-    std::ifstream in(zelk::fuzz::richRegistryPath(), std::ios::binary);
-    return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  }();
-  return text;
-}
 
 // The provider reads files: each input is written to one file of this process, removed at exit.
 struct ValueFile {
@@ -55,7 +46,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   zelk::fuzz::richManager();
   ConfigurationManager* manager = impl::Factory::createManager();
   impl::ConfigurationRegistryLoaderImpl(manager).loadBuffer(
-      richRegistryText().data(), richRegistryText().size(), "rich.crg", 0);
+      zelk::fuzz::richRegistryText().data(), zelk::fuzz::richRegistryText().size(), "rich.crg", 0);
   const Specification* rich = manager->getSpecification("rich");
   ZELK_FUZZ_CHECK(rich != nullptr);
 
