@@ -92,7 +92,8 @@ void writeBashCompletion(std::ostream& out, const Specification& specification) 
             std::string labels;
             const EnumDefinition& definition = *parameter->getEnumDefinition();
             for (std::size_t i = 0; i < definition.getNumberOfValues(); ++i) {
-              labels += (i > 0 ? " " : "") + std::string(definition.getSymbolicNameInDefinitionOrder(i));
+              labels +=
+                  (i > 0 ? " " : "") + std::string(definition.getSymbolicNameInDefinitionOrder(i));
             }
             branch = "COMPREPLY=($(compgen -W " + shellWord(labels) + " -- \"$cur\"))";
             break;

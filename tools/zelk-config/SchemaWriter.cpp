@@ -97,15 +97,22 @@ private:
   // One of SIMPLE_TYPES, or empty for an enumeration, whose labels are written in place.
   static std::string typeOf(const Parameter& parameter) {
     switch (parameter.getValueType()) {
-      case Parameter::BOOL: return "bool";
+      case Parameter::BOOL:
+        return "bool";
       case Parameter::INT32:
-      case Parameter::INT64: return "int";
+      case Parameter::INT64:
+        return "int";
       case Parameter::UINT32:
-      case Parameter::UINT64: return "uint";
-      case Parameter::DOUBLE: return "double";
-      case Parameter::OID: return "oid";
-      case Parameter::ENUM: return parameter.getEnumDefinition() != nullptr ? "" : "xs:string";
-      default: return "xs:string";
+      case Parameter::UINT64:
+        return "uint";
+      case Parameter::DOUBLE:
+        return "double";
+      case Parameter::OID:
+        return "oid";
+      case Parameter::ENUM:
+        return parameter.getEnumDefinition() != nullptr ? "" : "xs:string";
+      default:
+        return "xs:string";
     }
   }
 

@@ -1,11 +1,10 @@
 #include "zelk/configuration/impl/ValueFileWriterImpl.h"
 
+#include <boost/shared_ptr.hpp>
 #include <cstdio>
 #include <map>
 #include <set>
 #include <vector>
-
-#include <boost/shared_ptr.hpp>
 
 #include "zelk/configuration/ConfigurationException.h"
 #include "zelk/configuration/Container.h"
@@ -148,9 +147,9 @@ private:
 
   // Writes the items that collection places (logical groups and one-ofs only arrange theirs), in
   // specification order: one-value parameters into attributes, the rest into elements.
-  void collect(const GroupItemCollection& collection, const Container& container,
-               BoundItems& items, std::size_t depth, std::string& attributes,
-               std::string& elements, std::set<const ValueGroupItem*>& written) {
+  void collect(const GroupItemCollection& collection, const Container& container, BoundItems& items,
+               std::size_t depth, std::string& attributes, std::string& elements,
+               std::set<const ValueGroupItem*>& written) {
     for (std::size_t i = 0; i < collection.getNumberOfItems(); ++i) {
       const GroupItem* item = collection.getItem(i);
       if (item->getItemType() == GroupItem::PARAMETER_REF) {
@@ -174,8 +173,8 @@ private:
           written.insert(child);
         }
       } else {
-        collect(*static_cast<const GroupItemCollection*>(item), container, items, depth,
-                attributes, elements, written);
+        collect(*static_cast<const GroupItemCollection*>(item), container, items, depth, attributes,
+                elements, written);
       }
     }
   }
@@ -221,8 +220,8 @@ std::string ValueFileWriterImpl::compose(const Specification& specification,
 std::string ValueFileWriterImpl::escapeAttribute(const std::string& text, const char* what) {
   if (text.size() > MAX_TEXT_BYTES) {
     throw ConfigurationException(
-        "The text of \"%s\" is %zu bytes long; a value file holds at most %zu bytes a value",
-        what, text.size(), MAX_TEXT_BYTES);
+        "The text of \"%s\" is %zu bytes long; a value file holds at most %zu bytes a value", what,
+        text.size(), MAX_TEXT_BYTES);
   }
   std::string escaped;
   escaped.reserve(text.size());
@@ -241,15 +240,31 @@ std::string ValueFileWriterImpl::escapeAttribute(const std::string& text, const 
           what, cp, i);
     }
     switch (cp) {
-      case '&': escaped += "&amp;"; break;
-      case '<': escaped += "&lt;"; break;
-      case '>': escaped += "&gt;"; break;
-      case '"': escaped += "&quot;"; break;
+      case '&':
+        escaped += "&amp;";
+        break;
+      case '<':
+        escaped += "&lt;";
+        break;
+      case '>':
+        escaped += "&gt;";
+        break;
+      case '"':
+        escaped += "&quot;";
+        break;
       // Literal tabs and line ends are read back as spaces: keep them as references.
-      case '\t': escaped += "&#9;"; break;
-      case '\n': escaped += "&#10;"; break;
-      case '\r': escaped += "&#13;"; break;
-      default: escaped.append(text, i, length); break;
+      case '\t':
+        escaped += "&#9;";
+        break;
+      case '\n':
+        escaped += "&#10;";
+        break;
+      case '\r':
+        escaped += "&#13;";
+        break;
+      default:
+        escaped.append(text, i, length);
+        break;
     }
     i += length;
   }
