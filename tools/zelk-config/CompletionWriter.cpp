@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "PlacedItems.h"
-#include "zelk/configuration/ConfigurationManager.h"
 #include "zelk/configuration/EnumDefinition.h"
 #include "zelk/configuration/Parameter.h"
 #include "zelk/configuration/Specification.h"

@@ -1,7 +1,6 @@
 #include "zelk/configuration/impl/ValueFileWriterImpl.h"
 
 #include <boost/shared_ptr.hpp>
-#include <cstdio>
 #include <map>
 #include <set>
 #include <vector>
