@@ -9,6 +9,8 @@
 //   Large_valueFile          a value file of unbounded entries, read, matched and counted back
 //   Large_valueFileOneValue  a value file whose one attribute value fills the file: refused with
 //                            the error naming where the value ends
+//   Large_valueFileExport    the values of a 1 / 10 MB file of Large_valueFile (read once,
+//                            outside the timed part) written back as a value file into memory
 //
 //   zelk_bench_large --benchmark_filter=Large_valueFile/
 //
@@ -17,6 +19,7 @@
 #include <benchmark/benchmark.h>
 
 #include <map>
+#include <sstream>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -30,6 +33,7 @@
 #include "zelk/configuration/UnboundedValue.h"
 #include "zelk/configuration/ValidationException.h"
 #include "zelk/configuration/Value.h"
+#include "zelk/configuration/ValueFileWriter.h"
 #include "zelk/configuration/ValueGroup.h"
 #include "zelk/configuration/XmlFileValueProvider.h"
 #include "zelk/configuration/impl/CommandLineValueProvider.h"
@@ -194,6 +198,20 @@ void Large_valueFileOneValue(benchmark::State& state) {
   state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * state.range(0) * 1000000));
 }
 
+void Large_valueFileExport(benchmark::State& state) {
+  const zc::Specification& spec = specification();
+  zc::XmlFileValueProvider file(3, "");
+  file.enableProvider(valueFile(false, state.range(0)).c_str(), 0);
+  const zc::ValueGroup group = file.getValues(spec, 0);
+  size_t bytes = 0;
+  for (auto _ : state) {
+    std::ostringstream out;
+    zc::ValueFileWriter::write(out, spec, group);
+    bytes += out.str().size();
+  }
+  state.SetBytesProcessed(static_cast<int64_t>(bytes));
+}
+
 }  // namespace
 
 BENCHMARK(Large_commandLine)->ArgName("words")->Arg(100000)->Arg(1000000)
@@ -202,5 +220,6 @@ BENCHMARK(Large_commandLineUnknown)->ArgName("words")->Arg(100000)->Arg(1000000)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(Large_valueFile)->ArgName("MB")->Arg(5)->Arg(50)->Unit(benchmark::kMillisecond);
 BENCHMARK(Large_valueFileOneValue)->ArgName("MB")->Arg(5)->Arg(50)->Unit(benchmark::kMillisecond);
+BENCHMARK(Large_valueFileExport)->ArgName("MB")->Arg(1)->Arg(10)->Unit(benchmark::kMillisecond);
 
 BENCHMARK_MAIN();

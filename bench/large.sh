@@ -26,7 +26,8 @@ printf '%-26s %14s %14s %8s %12s\n' row small_cpu_ms large_cpu_ms ratio large_rs
 for row in "Large_commandLine words:100000 words:1000000" \
            "Large_commandLineUnknown words:100000 words:1000000" \
            "Large_valueFile MB:5 MB:50" \
-           "Large_valueFileOneValue MB:5 MB:50"; do
+           "Large_valueFileOneValue MB:5 MB:50" \
+           "Large_valueFileExport MB:1 MB:10"; do
   set -- $row
   small=(); large=(); rss=()
   for ((r = 0; r < runs; ++r)); do

@@ -45,7 +45,7 @@ set(example -installation ${ZELK_EXAMPLE_INSTALLATION})
 
 # Its own command line, parsed by the library.
 zelk_output_test(zelk-config.own-help 0 COMMAND ${zc} -help -width 80
-  MATCH "Usage: zelk-config.*\\(-check \\| -list \\| -usage \\| -help \\| -show \\| -values\\)"
+  MATCH "Usage: zelk-config.*\\(-check \\| -list \\| -usage \\| -help \\| -show \\| -values \\| -schema kind \\| -completion shell\\)"
   MATCH "-registry file +A registry file to check")
 zelk_output_test(zelk-config.no-arguments 2 COMMAND ${zc}
   MATCH "^Usage: zelk-config")
@@ -138,6 +138,34 @@ zelk_output_test(zelk-config.values-unknown-specification 1
 zelk_output_test(zelk-config.values-help 0
   COMMAND ${zc} -values -spec zbackup ${example} -- -help
   MATCH "help \\(bool\\) = true  \\[command line\\]")
+
+# JSON for scripts: one object for each specification; each value with its type, texts, sources.
+# (Square brackets are matched with ".": an unbalanced one would join the patterns' list.)
+zelk_output_test(zelk-config.list-json 0 COMMAND ${zc} -list -json ${example}
+  MATCH "^.\n  {\n    \"id\": \"zbackup\",\n    \"name\": \"zbackup\",\n    \"title\": \"zbackup - backs up a zelk object database\","
+  MATCH "\"id\": \"zverify\".*\n  }\n.\n$")
+zelk_output_test(zelk-config.values-json 0
+  COMMAND ${zc} -values -json -spec zexport ${example} -valueFile export-customers.xml
+          -- -className "Order \"1\""
+  MATCH "\"name\": \"className\",\n *\"type\": \"string\",\n *\"unbounded\": true,\n *\"texts\": .\"Order \\\\\"1\\\\\"\", \"Customer\", \"Address\".,\n *\"sources\": .\"command line\", \"@SOURCE_DIR@/examples/installation/config/export-customers.xml\", \"@SOURCE_DIR@/examples/installation/config/export-customers.xml\"."
+  MATCH "\"container\": \"column\",\n *\"values\": .\n *{\n *\"name\": \"attribute\",\n *\"type\": \"string\",\n *\"unbounded\": false,\n *\"texts\": .\"name\"."
+  MATCH "\"name\": \"batchSize\",\n *\"type\": \"uint32\",\n *\"unbounded\": false,\n *\"texts\": .\"1000\".,\n *\"sources\": .\"@SOURCE_DIR@/examples/installation/config/machine.config\".")
+zelk_output_test(zelk-config.json-without-list-or-values 2 COMMAND ${zc} -check -json
+  MATCH "^zelk-config: -json goes with -list or -values\n$")
+
+# Schemas, checked with xmllint; bash completion, asked as bash asks it; export, read back.
+add_test(NAME zelk-config.schema
+  COMMAND ${CMAKE_COMMAND} -DZELK_CONFIG=${zc} -DSOURCE_DIR=${PROJECT_SOURCE_DIR}
+    -DWORK_DIR=${CMAKE_CURRENT_BINARY_DIR}/schema-validation
+    -P ${CMAKE_CURRENT_SOURCE_DIR}/tools/schema-validation.cmake)
+add_test(NAME zelk-config.completion
+  COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/tools/completion.sh ${zc} ${ZELK_EXAMPLE_INSTALLATION})
+add_test(NAME zelk-config.export-round-trip
+  COMMAND ${CMAKE_COMMAND} -DZELK_CONFIG=${zc} -DSOURCE_DIR=${PROJECT_SOURCE_DIR}
+    -DWORK_DIR=${CMAKE_CURRENT_BINARY_DIR}/export-round-trip
+    -P ${CMAKE_CURRENT_SOURCE_DIR}/tools/export-round-trip.cmake)
+set_tests_properties(zelk-config.schema zelk-config.completion zelk-config.export-round-trip
+  PROPERTIES LABELS tools)
 
 # Installations that are missing or broken.
 zelk_output_test(zelk-config.missing-installation 1

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <string>
 
 #include "configuration/impl/ArchiveToolModel.h"
@@ -12,7 +13,9 @@
 #include "zelk/configuration/UnboundedValue.h"
 #include "zelk/configuration/Value.h"
 #include "zelk/configuration/ValueGroup.h"
+#include "zelk/configuration/ValueFileWriter.h"
 #include "zelk/configuration/ValueGroupIterator.h"
+#include "zelk/configuration/ValueIterator.h"
 
 using namespace zelk::configuration;
 using zelk::test::messageOf;
@@ -40,6 +43,22 @@ const char* const SHARED_FILE =
     "  <restore source=\"/backups\"><hosts value=\"h1\"/><hosts value=\"h2\"/></restore>\n"
     "  <archive target=\"/t\"/>\n"
     "</configuration>\n";
+
+// The tree as text: names, texts and nesting, in order; what a round trip must keep.
+std::string dump(const ValueGroup& group) {
+  std::string text = std::string(group.getName()) + "{";
+  for (std::size_t i = 0; i < group.getItemCount(); ++i) {
+    const auto item = group.getItem(i);
+    if (item->isValueGroup()) {
+      text += dump(*boost::static_pointer_cast<ValueGroup>(item));
+      continue;
+    }
+    text += std::string(item->getName()) + "=";
+    for (ValueIterator entry = static_cast<const ValueBase&>(*item).getIterator(); entry.next();)
+      text += "[" + entry.asString() + "]";
+  }
+  return text + "}";
+}
 
 class XmlFileValueProviderTest : public ::testing::Test {
 protected:
@@ -168,6 +187,44 @@ TEST_F(XmlFileValueProviderTest, FormatDirectivesInFileContentsAreQuotedAsWritte
   // A missing file is named as given.
   EXPECT_EQ("File \"" + mDir.file("%s%s%s%n.xml") + "\" was not found",
             messageOf([&] { mProvider.enableProvider(mDir.file("%s%s%s%n.xml").c_str(), 0); }));
+}
+
+TEST_F(XmlFileValueProviderTest, WrittenValuesReadBackTheSame) {
+  // Texts that need escaping (a tab and a line end would otherwise read back as spaces) and
+  // non-ASCII text, an unbounded parameter, a one-of member and two instances of a container.
+  load(mProvider, "archive.xml",
+       "<archive name=\"a &amp; &lt;b&gt; &quot;q&quot; '&#9;x&#10;y&#13;z\" target=\"Gr\xC3\xBC\xC3\x9F "
+       "\xE2\x82\xAC \xF0\x9F\x98\x80\" fast=\"true\"><paths value=\"/a b\"/><paths value=\"\"/>"
+       "<db dbname=\"main\"/><mirror host=\"m1\"/><mirror host=\"m2\"/></archive>");
+  const ValueGroup values = mProvider.getValues(*mModel.archive, 0);
+  const std::string path = mDir.file("written.xml");
+  ValueFileWriter::writeFile(path.c_str(), *mModel.archive, values);
+  XmlFileValueProvider reader(1, "");
+  reader.enableProvider(path.c_str(), 0);
+  EXPECT_EQ(dump(values), dump(reader.getValues(*mModel.archive, 0)));
+  EXPECT_NE(std::string::npos, zelk::test::readTextFile(path).find(
+      "<archive name=\"a &amp; &lt;b&gt; &quot;q&quot; '&#9;x&#10;y&#13;z\""));
+
+  // Trees that cannot be written: nothing is written then.
+  const auto refused = [&](const ValueGroup& tree) {
+    return messageOf([&] { ValueFileWriter::writeFile(mDir.file("refused.xml").c_str(), *mModel.archive, tree); });
+  };
+  EXPECT_EQ("The values do not belong to the \"archive\" specification: their group is bound to "
+            "\"restore\"", refused(ValueGroup(mModel.restore)));
+  ValueGroup tree(mModel.archive);
+  tree.addValue("name", "bell\x07");
+  EXPECT_EQ("The text of \"name\" holds the character U+0007 at offset 4, which XML 1.0 cannot carry",
+            refused(tree));
+  tree.getValue("name").set("\xC3(");
+  EXPECT_EQ("The text of \"name\" is not UTF-8 (byte 0xC3 at offset 0)", refused(tree));
+  tree.getValue("name").set(std::string(1025, 'x').c_str());
+  EXPECT_EQ("The text of \"name\" is 1025 bytes long; a value file holds at most 1024 bytes a value",
+            refused(tree));
+  tree = ValueGroup(mModel.archive);
+  tree.addValue("dbname", "not here");
+  EXPECT_EQ("The value tree does not fit the \"archive\" specification: \"dbname\" is not an item "
+            "of \"archive\"", refused(tree));
+  EXPECT_FALSE(std::ifstream(mDir.file("refused.xml")).good());
 }
 
 }  // namespace

@@ -22,7 +22,7 @@ file(REMOVE_RECURSE ${WORK_DIR})
 set(prefix ${WORK_DIR}/prefix)
 set(share ${prefix}/share/zelk)
 run(0 "" ${CMAKE_COMMAND} --install ${BINARY_DIR} --prefix ${prefix})
-foreach(file bin/zelk-config share/zelk/zelk-config.crg
+foreach(file bin/zelk-config share/zelk/zelk-config.crg share/zelk/schema/registry.xsd
              share/zelk/examples/installation/etc/zelk.crg
              share/zelk/examples/installation/config/machine.config
              share/zelk/examples/installation/plugins/zverify/zverify.crg

@@ -67,9 +67,12 @@ void readOptions(const ValueGroup& values, Options& options) {
     const char* name;
     Options::Command command;
   } COMMANDS[] = {{"help", Options::HELP},   {"check", Options::CHECK}, {"list", Options::LIST},
-                  {"usage", Options::USAGE}, {"show", Options::SHOW},   {"values", Options::VALUES}};
+                  {"usage", Options::USAGE}, {"show", Options::SHOW},   {"values", Options::VALUES},
+                  {"schema", Options::SCHEMA}, {"completion", Options::COMPLETION}};
   for (const auto& command : COMMANDS) {
-    if (flagGiven(values, command.name)) {
+    if (command.command == Options::SCHEMA || command.command == Options::COMPLETION
+            ? textGiven(values, command.name).has_value()
+            : flagGiven(values, command.name)) {
       options.command = command.command;
       break;
     }
@@ -83,6 +86,10 @@ void readOptions(const ValueGroup& values, Options& options) {
   options.registryFiles = textsGiven(values, "registry");
   options.valueFiles = textsGiven(values, "valueFile");
   options.noMachineConfig = flagGiven(values, "noMachineConfig");
+  options.schemaKind = textGiven(values, "schema").value_or("");
+  options.shell = textGiven(values, "completion").value_or("");
+  options.json = flagGiven(values, "json");
+  options.exportFile = textGiven(values, "export");
   const Value width = values.getValue("width", nullptr, false);
   if (!width.isNull() && width.hasValue()) options.width = width.asUInt32();
 }

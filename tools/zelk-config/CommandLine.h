@@ -11,10 +11,12 @@
 namespace zelk::configtool {
 
 struct Options {
-  enum Command { CHECK, LIST, USAGE, HELP, SHOW, VALUES };
+  enum Command { CHECK, LIST, USAGE, HELP, SHOW, VALUES, SCHEMA, COMPLETION };
 
   Command command = HELP;
   std::string specification;  // empty when not given
+  std::string schemaKind;     // -schema: "registry" or "values"
+  std::string shell;          // -completion: "bash"
   std::optional<std::string> installation;
   std::optional<std::string> etcDir;
   std::optional<std::string> pluginsDir;
@@ -23,6 +25,8 @@ struct Options {
   std::vector<std::string> registryFiles;
   std::vector<std::string> valueFiles;
   bool noMachineConfig = false;
+  bool json = false;                      // -list and -values print JSON
+  std::optional<std::string> exportFile;  // -values also writes the values as a value file
   std::size_t width = 0;                  // 0: the terminal's width
   std::vector<std::string> toolArguments; // the words after "--": the tool's own command line
 };

@@ -11,7 +11,9 @@
 #include <vector>
 
 #include "CommandLine.h"
+#include "JsonWriter.h"
 #include "Output.h"
+#include "PlacedItems.h"
 #include "zelk/configuration/ConfigurationManager.h"
 #include "zelk/configuration/Container.h"
 #include "zelk/configuration/EnumDefinition.h"
@@ -23,6 +25,7 @@
 #include "zelk/configuration/Validator.h"
 #include "zelk/configuration/Value.h"
 #include "zelk/configuration/ValueBase.h"
+#include "zelk/configuration/ValueFileWriter.h"
 #include "zelk/configuration/ValueGroup.h"
 #include "zelk/configuration/ValueIterator.h"
 #include "zelk/configuration/ValueProvider.h"
@@ -53,6 +56,8 @@ public:
   // The sources in the order the manager asks them: the long names and the short labels.
   std::vector<std::string> mNames;
   std::vector<std::string> mLabels;
+  // For JSON: "command line", "application", a value file's path, or another provider's id.
+  std::vector<std::string> mJsonNames;
 
   void replay(ConfigurationManager& manager, const Specification& specification) {
     mReplay = ValueGroup(&specification);
@@ -77,14 +82,11 @@ public:
 
   const ValueGroup& getReplay() const { return mReplay; }
 
-  // The source label of each entry of the replayed value, or nothing when it is not known.
-  std::vector<std::string> labelsOf(const ValueBase& replayed) const {
-    std::vector<std::string> labels;
+  // The source (an index into the sources) of each entry of the replayed value, or nothing when
+  // it is not known.
+  std::vector<std::size_t> sourcesOf(const ValueBase& replayed) const {
     const auto found = mEntrySources.find(replayed.getInstanceId());
-    if (found != mEntrySources.end()) {
-      for (std::size_t source : found->second) labels.push_back(mLabels[source]);
-    }
-    return labels;
+    return found != mEntrySources.end() ? found->second : std::vector<std::size_t>();
   }
 
 private:
@@ -93,15 +95,19 @@ private:
     if (name == ConfigurationManager::COMMAND_LINE_PROVIDER_NAME) {
       mNames.push_back("command line");
       mLabels.push_back("command line");
+      mJsonNames.push_back("command line");
     } else if (const auto* file = dynamic_cast<const XmlFileValueProvider*>(&provider)) {
       mNames.push_back(std::string("value file ") + file->getXmlFilePath());
       mLabels.push_back(baseName(file->getXmlFilePath()));
+      mJsonNames.push_back(file->getXmlFilePath());
     } else if (name == ConfigurationManager::APPLICATION_PROVIDER_NAME) {
       mNames.push_back("application values");
       mLabels.push_back("application");
+      mJsonNames.push_back("application");
     } else {
       mNames.push_back(std::string("provider ") + provider.getId());
       mLabels.push_back(provider.getId());
+      mJsonNames.push_back(provider.getId());
     }
   }
 
@@ -204,95 +210,125 @@ struct GroupIndex {
   }
 };
 
-// Prints a group in the order of its container's items, values with their sources, defaults for
-// what no source gave, nested groups indented.
-class TreePrinter {
-public:
-  TreePrinter(std::ostream& out, const SourceTracker& sources) : mOut(out), mSources(sources) {}
+// Where an entry came from: an index into SourceTracker's sources, or one of these.
+const std::size_t FROM_DEFAULT = static_cast<std::size_t>(-1);
+const std::size_t FROM_UNKNOWN = static_cast<std::size_t>(-2);
 
-  // Prints the group's items in the order of the container, then what the group holds that the
+// What the walk over the values reports, in specification order.
+class ValuesSink {
+public:
+  virtual ~ValuesSink() = default;
+  // One value: its texts, the source of each, and for a value given where the tool does not
+  // read it the container it belongs in (else null).
+  virtual void value(const ParameterRef& reference, const std::vector<std::string>& texts,
+                     const std::vector<std::size_t>& sources, const Container* strayFrom) = 0;
+  // One instance of a container, whose items follow until endContainer.
+  virtual void beginContainer(const Container& container) = 0;
+  virtual void endContainer() = 0;
+};
+
+// Walks a group in the order of its container's items, values with their sources, defaults for
+// what no source gave, nested groups in place.
+class ValuesWalker {
+public:
+  ValuesWalker(ValuesSink& sink, const SourceTracker& sources) : mSink(sink), mSources(sources) {}
+
+  // Walks the group's items in the order of the container, then what the group holds that the
   // container does not place there. replayed is the same group in the source tracker's tree.
-  void printGroup(const ValueGroup& group, const ValueGroup& replayed, const Container& container,
-                  std::size_t depth) {
+  void walkGroup(const ValueGroup& group, const ValueGroup& replayed, const Container& container) {
     const GroupIndex items(group);
     const GroupIndex twins(replayed);
-    printItems(items, twins, container, depth);
-    printStrays(group, twins, depth);
+    forEachPlacedItem(
+        container,
+        [&](const ParameterRef& reference) { walkValue(items, twins, reference); },
+        [&](const Container& nested) { walkContainer(items, twins, nested); });
+    walkStrays(group, twins);
   }
 
 private:
-  void printItems(const GroupIndex& items, const GroupIndex& twins,
-                  const GroupItemCollection& collection, std::size_t depth) {
-    for (std::size_t i = 0; i < collection.getNumberOfItems(); ++i) {
-      const GroupItem* item = collection.getItem(i);
-      switch (item->getItemType()) {
-        case GroupItem::PARAMETER_REF:
-          printValue(items, twins, *static_cast<const ParameterRef*>(item), depth);
-          break;
-        case GroupItem::CONTAINER:
-          printContainer(items, twins, *static_cast<const Container*>(item), depth);
-          break;
-        default:  // logical groups and one-ofs only arrange their members
-          printItems(items, twins, *static_cast<const GroupItemCollection*>(item), depth);
-          break;
-      }
-    }
-  }
-
   // A value bound to a parameter of a nested container, given where that container's values do
   // not go (a flag on the command line, whose values all land at the top): the tool never
   // reads it there.
-  void printStrays(const ValueGroup& group, const GroupIndex& twins, std::size_t depth) {
+  void walkStrays(const ValueGroup& group, const GroupIndex& twins) {
     for (std::size_t i = 0; i < group.getItemCount(); ++i) {
       const boost::shared_ptr<ValueGroupItem> item = group.getItem(i);
-      if (item->isValueGroup() || mPrinted.count(item->getInstanceId()) != 0) continue;
+      if (item->isValueGroup() || mWalked.count(item->getInstanceId()) != 0) continue;
       const auto* value = dynamic_cast<const ValueBase*>(item.get());
       const ParameterRef* reference = value != nullptr ? value->getParameterRef() : nullptr;
       if (reference == nullptr) continue;
-      const Container* home = reference->getContainer();
-      printLine(*value, *reference, labelsOf(*value, twins.findValue(value->getName())), depth,
-                home != nullptr ? std::string("  (not read here: it belongs in \"") + home->getId() +
-                                      "\")"
-                                : std::string());
+      mSink.value(*reference, textsOf(*value),
+                  sourcesOf(*value, twins.findValue(value->getName())), reference->getContainer());
     }
   }
 
-  std::vector<std::string> labelsOf(const ValueBase& value,
-                                    const boost::shared_ptr<ValueBase>& twin) const {
-    std::vector<std::string> labels;
-    if (twin) labels = mSources.labelsOf(*twin);
-    if (labels.size() != value.getValueCount()) labels.assign(value.getValueCount(), "?");
-    return labels;
+  std::vector<std::size_t> sourcesOf(const ValueBase& value,
+                                     const boost::shared_ptr<ValueBase>& twin) const {
+    std::vector<std::size_t> sources;
+    if (twin) sources = mSources.sourcesOf(*twin);
+    if (sources.size() != value.getValueCount()) sources.assign(value.getValueCount(), FROM_UNKNOWN);
+    return sources;
   }
 
-  void printValue(const GroupIndex& items, const GroupIndex& twins, const ParameterRef& reference,
-                  std::size_t depth) {
+  static std::vector<std::string> textsOf(const ValueBase& value) {
+    std::vector<std::string> texts;
+    for (ValueIterator entry = value.getIterator(); entry.next();) texts.push_back(entry.asString());
+    return texts;
+  }
+
+  void walkValue(const GroupIndex& items, const GroupIndex& twins, const ParameterRef& reference) {
     const char* id = reference.getId();
     boost::shared_ptr<ValueBase> value = items.findValue(id);
-    std::vector<std::string> labels;
+    std::vector<std::size_t> sources;
     if (value && value->isMatched()) {
-      labels = labelsOf(*value, twins.findValue(id));
+      sources = sourcesOf(*value, twins.findValue(id));
     } else {
       // The default a tool reads for an absent value (members of a one-of have none).
       if (reference.getOneOf() != nullptr) return;
       const Value fallback = reference.getDefaultValue();
       if (fallback.isNull() || !fallback.hasValues()) return;
       value = boost::shared_ptr<ValueBase>(new Value(fallback));
-      labels.assign(value->getValueCount(), DEFAULT_SOURCE);
+      sources.assign(value->getValueCount(), FROM_DEFAULT);
     }
-    mPrinted.insert(value->getInstanceId());
-    printLine(*value, reference, labels, depth, std::string());
+    mWalked.insert(value->getInstanceId());
+    mSink.value(reference, textsOf(*value), sources, nullptr);
   }
 
-  void printLine(const ValueBase& value, const ParameterRef& reference,
-                 const std::vector<std::string>& labels, std::size_t depth,
-                 const std::string& note) {
+  void walkContainer(const GroupIndex& items, const GroupIndex& twins, const Container& container) {
+    const auto instances = items.groups.find(GroupIndex::key(container.getId()));
+    if (instances == items.groups.end()) return;
+    const auto replayed = twins.groups.find(GroupIndex::key(container.getId()));
+    for (std::size_t i = 0; i < instances->second.size(); ++i) {
+      const ValueGroup twin = replayed != twins.groups.end() && i < replayed->second.size()
+                                  ? replayed->second[i]
+                                  : ValueGroup();
+      mSink.beginContainer(container);
+      walkGroup(instances->second[i], twin, container);
+      mSink.endContainer();
+    }
+  }
+
+  ValuesSink& mSink;
+  const SourceTracker& mSources;
+  std::set<uint32_t> mWalked;  // instance ids of the values reported in their place
+};
+
+// The values as text: one line a value, with its type and sources; containers indented.
+class TextSink : public ValuesSink {
+public:
+  TextSink(std::ostream& out, const SourceTracker& sources) : mOut(out), mSources(sources) {}
+
+  void value(const ParameterRef& reference, const std::vector<std::string>& texts,
+             const std::vector<std::size_t>& sources, const Container* strayFrom) override {
+    std::vector<std::string> labels;
+    for (std::size_t source : sources) {
+      labels.push_back(source == FROM_DEFAULT   ? DEFAULT_SOURCE
+                       : source == FROM_UNKNOWN ? "?"
+                                                : mSources.mLabels[source]);
+    }
     const Parameter* parameter = reference.getParameter();
-    mOut << std::string(2 * depth, ' ') << reference.getId() << " ("
+    mOut << std::string(2 * mDepth, ' ') << reference.getId() << " ("
          << (parameter != nullptr ? parameter->getValueTypeName() : "unknown")
          << (reference.isUnbounded() ? ", unbounded" : "") << ") = ";
-    std::vector<std::string> texts;
-    for (ValueIterator entry = value.getIterator(); entry.next();) texts.push_back(entry.asString());
     bool oneSource = true;
     for (const std::string& label : labels) oneSource = oneSource && label == labels.front();
     for (std::size_t i = 0; i < texts.size(); ++i) {
@@ -301,27 +337,109 @@ private:
       if (!oneSource) mOut << " [" << labels[i] << ']';
     }
     if (oneSource && !labels.empty()) mOut << "  [" << labels.front() << ']';
-    mOut << note << '\n';
-  }
-
-  void printContainer(const GroupIndex& items, const GroupIndex& twins,
-                      const Container& container, std::size_t depth) {
-    const auto instances = items.groups.find(GroupIndex::key(container.getId()));
-    if (instances == items.groups.end()) return;
-    const auto replayed = twins.groups.find(GroupIndex::key(container.getId()));
-    for (std::size_t i = 0; i < instances->second.size(); ++i) {
-      const ValueGroup twin = replayed != twins.groups.end() && i < replayed->second.size()
-                                  ? replayed->second[i]
-                                  : ValueGroup();
-      mOut << std::string(2 * depth, ' ') << container.getId() << '\n';
-      printGroup(instances->second[i], twin, container, depth + 1);
+    if (strayFrom != nullptr) {
+      mOut << "  (not read here: it belongs in \"" << strayFrom->getId() << "\")";
     }
+    mOut << '\n';
   }
 
+  void beginContainer(const Container& container) override {
+    mOut << std::string(2 * mDepth, ' ') << container.getId() << '\n';
+    ++mDepth;
+  }
+
+  void endContainer() override { --mDepth; }
+
+private:
   std::ostream& mOut;
   const SourceTracker& mSources;
-  std::set<uint32_t> mPrinted;  // instance ids of the values printed in their place
+  std::size_t mDepth = 1;
 };
+
+// The registry's word for a value type, which scripts compare against.
+const char* typeWord(const Parameter* parameter) {
+  if (parameter == nullptr) return "unknown";
+  switch (parameter->getValueType()) {
+    case Parameter::BOOL: return "bool";
+    case Parameter::STRING: return "string";
+    case Parameter::INT32: return "int32";
+    case Parameter::UINT32: return "uint32";
+    case Parameter::INT64: return "int64";
+    case Parameter::UINT64: return "uint64";
+    case Parameter::DOUBLE: return "double";
+    case Parameter::OID: return "oid";
+    case Parameter::ENUM: return "enum";
+    default: return "unknown";
+  }
+}
+
+// The values as JSON: an array of items in specification order, each a value or a container
+// instance with its own array of items.
+class JsonSink : public ValuesSink {
+public:
+  JsonSink(JsonWriter& json, const SourceTracker& sources) : mJson(json), mSources(sources) {}
+
+  void value(const ParameterRef& reference, const std::vector<std::string>& texts,
+             const std::vector<std::size_t>& sources, const Container* strayFrom) override {
+    std::vector<std::string> names;
+    for (std::size_t source : sources) {
+      names.push_back(source == FROM_DEFAULT   ? DEFAULT_SOURCE
+                      : source == FROM_UNKNOWN ? "unknown"
+                                               : mSources.mJsonNames[source]);
+    }
+    mJson.beginObject();
+    mJson.key("name");
+    mJson.value(reference.getId());
+    mJson.key("type");
+    mJson.value(typeWord(reference.getParameter()));
+    mJson.key("unbounded");
+    mJson.value(reference.isUnbounded());
+    mJson.key("texts");
+    mJson.value(texts);
+    mJson.key("sources");
+    mJson.value(names);
+    if (strayFrom != nullptr) {
+      mJson.key("notReadHere");
+      mJson.value(std::string("it belongs in \"") + strayFrom->getId() + "\"");
+    }
+    mJson.endObject();
+  }
+
+  void beginContainer(const Container& container) override {
+    mJson.beginObject();
+    mJson.key("container");
+    mJson.value(container.getId());
+    mJson.key("values");
+    mJson.beginArray();
+  }
+
+  void endContainer() override {
+    mJson.endArray();
+    mJson.endObject();
+  }
+
+private:
+  JsonWriter& mJson;
+  const SourceTracker& mSources;
+};
+
+// A copy of the top group without the values that the tool does not read there (a flag of a
+// parameter inside a container), each reported: they cannot be written where they stand.
+ValueGroup withoutStrays(const ValueGroup& values, const Specification& specification) {
+  ValueGroup copy(values, 0);
+  for (std::size_t i = copy.getItemCount(); i-- > 0;) {
+    const boost::shared_ptr<ValueGroupItem> item = copy.getItem(i);
+    const auto* value = dynamic_cast<const ValueBase*>(item.get());
+    const ParameterRef* reference = value != nullptr ? value->getParameterRef() : nullptr;
+    if (reference != nullptr && reference->getContainer() != specification.getItemsContainer()) {
+      printError(std::string(reference->getId()) + ": not exported: it belongs in \"" +
+                 (reference->getContainer() != nullptr ? reference->getContainer()->getId() : "?") +
+                 "\"");
+      copy.remove(i);
+    }
+  }
+  return copy;
+}
 
 }  // namespace
 
@@ -377,11 +495,40 @@ int reportValues(const Options& options, std::ostream& out) {
     return EXIT_PROBLEMS;
   }
 
+  if (options.exportFile) {
+    try {
+      ValueFileWriter::writeFile(options.exportFile->c_str(), *specification,
+                                 withoutStrays(values, *specification));
+    } catch (const std::exception& e) {
+      printException(e);
+      return EXIT_PROBLEMS;
+    }
+  }
+
+  if (options.json) {
+    JsonWriter json(out);
+    json.beginObject();
+    json.key("specification");
+    json.value(specification->getId());
+    json.key("sources");
+    std::vector<std::string> names = sources.mJsonNames;
+    names.push_back(DEFAULT_SOURCE);
+    json.value(names);
+    json.key("values");
+    json.beginArray();
+    JsonSink sink(json, sources);
+    ValuesWalker(sink, sources).walkGroup(values, sources.getReplay(),
+                                          *specification->getItemsContainer());
+    json.endArray();
+    json.endObject();
+    return EXIT_CLEAN;
+  }
   out << "Sources of \"" << specification->getId() << "\", in order of precedence:\n";
   for (const std::string& name : sources.mNames) out << "  " << name << '\n';
   out << "  the defaults of the specification\n\n" << specification->getId() << '\n';
-  TreePrinter printer(out, sources);
-  printer.printGroup(values, sources.getReplay(), *specification->getItemsContainer(), 1);
+  TextSink sink(out, sources);
+  ValuesWalker(sink, sources).walkGroup(values, sources.getReplay(),
+                                        *specification->getItemsContainer());
   return EXIT_CLEAN;
 }
 

@@ -6,7 +6,8 @@
 // its type and where it came from (the command line, a value file, or the default), or prints
 // every problem, one per line: what the library's validation finds, and what the tool would
 // meet when reading the values (texts that do not convert to their type, texts that a
-// parameter's validator rejects).
+// parameter's validator rejects). With -json the values are printed as JSON, each with its type,
+// texts and sources; with -export they are also written as a value file (ValueFileWriter).
 #pragma once
 
 #include <iosfwd>

@@ -5,18 +5,25 @@
 //   zelk-config -list
 //   zelk-config -help -specification zbackup
 //   zelk-config -values -specification zbackup -valueFile backup-nightly.xml -- -dryRun
+//   zelk-config -values -json -specification zbackup -export /tmp/zbackup.xml
+//   zelk-config -schema values -specification zbackup
+//   zelk-config -completion bash -specification zbackup
 //
 // Its own parameters are declared in zelk-config.crg and parsed by the configuration library.
 
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "CommandLine.h"
+#include "CompletionWriter.h"
 #include "Installation.h"
+#include "JsonWriter.h"
 #include "Output.h"
 #include "RegistryChecker.h"
+#include "SchemaWriter.h"
 #include "ValuesReport.h"
 #include "zelk/configuration/ConfigurationManager.h"
 #include "zelk/configuration/Specification.h"
@@ -72,9 +79,35 @@ const Specification* findSpecification(ConfigurationManager& manager, const std:
   return specification;
 }
 
-int runList(const Directories& directories, std::size_t width) {
+// The specifications as a JSON array, one object for each.
+void printListAsJson(ConfigurationManager& manager) {
+  std::unique_ptr<zelk::IEnumerator<Specification*>> specifications(
+      manager.getSpecificationEnumerator());
+  JsonWriter json(std::cout);
+  json.beginArray();
+  for (; specifications->hasNext(); specifications->moveNext()) {
+    const Specification* specification = specifications->getCurrent();
+    json.beginObject();
+    json.key("id");
+    json.value(specification->getId());
+    json.key("name");
+    json.value(specification->getName());
+    json.key("title");
+    json.value(specification->getTitle());
+    json.key("description");
+    json.value(specification->getDescription());
+    json.endObject();
+  }
+  json.endArray();
+}
+
+int runList(const Directories& directories, std::size_t width, bool asJson) {
   ConfigurationManager* manager = loadInstallation(directories);
   if (manager == nullptr) return EXIT_PROBLEMS;
+  if (asJson) {
+    printListAsJson(*manager);
+    return EXIT_CLEAN;
+  }
   std::unique_ptr<zelk::IEnumerator<Specification*>> specifications(
       manager->getSpecificationEnumerator());
   std::size_t count = 0;
@@ -100,11 +133,44 @@ int runOnSpecification(const Options& options, const Directories& directories,
     case Options::HELP:
       printHelp(std::cout, *manager, *specification, width);
       break;
+    case Options::SCHEMA:
+      writeValuesSchema(std::cout, *specification);
+      break;
+    case Options::COMPLETION:
+      writeBashCompletion(std::cout, *specification);
+      break;
     default:
       std::cout << manager->getRepresentation(*specification);
       break;
   }
   return EXIT_CLEAN;
+}
+
+// What the library's parse of the command line leaves to check: the options that go together.
+std::optional<int> checkCombination(const Options& options) {
+  std::string problem;
+  if (options.specification.empty() &&
+      (options.command == Options::SHOW || options.command == Options::VALUES ||
+       options.command == Options::COMPLETION ||
+       (options.command == Options::SCHEMA && options.schemaKind == "values"))) {
+    problem = options.command == Options::SHOW         ? "-show needs -specification"
+              : options.command == Options::VALUES     ? "-values needs -specification"
+              : options.command == Options::COMPLETION ? "-completion needs -specification"
+                                                       : "-schema values needs -specification";
+  } else if (options.command == Options::SCHEMA && options.schemaKind != "registry" &&
+             options.schemaKind != "values") {
+    problem = "-schema takes registry or values, not \"" + options.schemaKind + "\"";
+  } else if (options.command == Options::COMPLETION && options.shell != "bash") {
+    problem = "-completion takes bash, not \"" + options.shell + "\"";
+  } else if (options.json && options.command != Options::LIST &&
+             options.command != Options::VALUES) {
+    problem = "-json goes with -list or -values";
+  } else if (options.exportFile && options.command != Options::VALUES) {
+    problem = "-export goes with -values";
+  }
+  if (problem.empty()) return std::nullopt;
+  printError(problem);
+  return EXIT_BAD_COMMAND_LINE;
 }
 
 int run(int argc, const char* const* argv) {
@@ -119,12 +185,7 @@ int run(int argc, const char* const* argv) {
   if (std::optional<int> status = parseCommandLine(argc, argv, ownRegistry, options)) {
     return *status;
   }
-  if (options.specification.empty() &&
-      (options.command == Options::SHOW || options.command == Options::VALUES)) {
-    printError(std::string("-") + (options.command == Options::SHOW ? "show" : "values") +
-               " needs -specification");
-    return EXIT_BAD_COMMAND_LINE;
-  }
+  if (const std::optional<int> status = checkCombination(options)) return *status;
 
   Directories directories;
   try {
@@ -138,7 +199,13 @@ int run(int argc, const char* const* argv) {
     case Options::CHECK:
       return runCheck(options, directories);
     case Options::LIST:
-      return runList(directories, width);
+      return runList(directories, width, options.json);
+    case Options::SCHEMA:
+      if (options.schemaKind == "registry") {
+        std::cout << registrySchema();
+        return EXIT_CLEAN;
+      }
+      return runOnSpecification(options, directories, width);
     case Options::VALUES:
       if (ConfigurationManager* manager = loadInstallation(directories); manager == nullptr) {
         return EXIT_PROBLEMS;

@@ -1,0 +1,159 @@
+#include "CompletionWriter.h"
+
+#include <cctype>
+#include <map>
+#include <ostream>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "PlacedItems.h"
+#include "zelk/configuration/EnumDefinition.h"
+#include "zelk/configuration/Parameter.h"
+#include "zelk/configuration/Specification.h"
+
+namespace zelk::configtool {
+
+using namespace zelk::configuration;
+
+namespace {
+
+const char* const LOAD_CONFIGURATION_FLAG = "-loadConfiguration";
+
+std::string lower(const std::string& text) {
+  std::string result(text);
+  for (char& c : result) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return result;
+}
+
+bool endsWith(const std::string& text, const std::string& end) {
+  return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
+
+// text as one single-quoted shell word.
+std::string shellWord(const std::string& text) {
+  std::string word = "'";
+  for (char c : text) {
+    if (c == '\'') {
+      word += "'\\''";
+    } else {
+      word += c;
+    }
+  }
+  return word + "'";
+}
+
+// A shell function name made of the letters, digits and underscores of the tool's name.
+std::string functionName(const std::string& tool) {
+  std::string name = "_zelk_complete_";
+  for (char c : tool) {
+    name += std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
+  }
+  return name;
+}
+
+// What the word after a flag completes to: one "case" branch of the script.
+enum class After { NOTHING, LABELS, FILES, DIRECTORIES };
+
+After afterFlag(const Parameter& parameter) {
+  if (parameter.getValueType() == Parameter::ENUM && parameter.getEnumDefinition() != nullptr) {
+    return After::LABELS;
+  }
+  if (parameter.getValueType() == Parameter::STRING) {
+    const std::string valueName = lower(parameter.getValueName());
+    if (endsWith(valueName, "file") || valueName == "path" || valueName == "filename") {
+      return After::FILES;
+    }
+    if (endsWith(valueName, "directory") || endsWith(valueName, "dir")) {
+      return After::DIRECTORIES;
+    }
+  }
+  return After::NOTHING;
+}
+
+}  // namespace
+
+void writeBashCompletion(std::ostream& out, const Specification& specification) {
+  // The flags that take a value, in lower case, each with what its value completes to.
+  std::map<std::string, std::string> cases;
+  const auto addCase = [&](const std::string& flag, const std::string& branch) {
+    cases.emplace(lower(flag), branch);
+  };
+  forEachPlacedItem(
+      *specification.getItemsContainer(),
+      [&](const ParameterRef& reference) {
+        const Parameter* parameter = reference.getParameter();
+        if (parameter == nullptr) return;
+        const std::string flag = std::string("-") + parameter->getName();
+        std::string branch;
+        switch (afterFlag(*parameter)) {
+          case After::LABELS: {
+            std::string labels;
+            const EnumDefinition& definition = *parameter->getEnumDefinition();
+            for (std::size_t i = 0; i < definition.getNumberOfValues(); ++i) {
+              labels +=
+                  (i > 0 ? " " : "") + std::string(definition.getSymbolicNameInDefinitionOrder(i));
+            }
+            branch = "COMPREPLY=($(compgen -W " + shellWord(labels) + " -- \"$cur\"))";
+            break;
+          }
+          case After::FILES:
+            branch = "compopt -o filenames 2>/dev/null; COMPREPLY=($(compgen -f -- \"$cur\"))";
+            break;
+          case After::DIRECTORIES:
+            branch = "compopt -o filenames 2>/dev/null; COMPREPLY=($(compgen -d -- \"$cur\"))";
+            break;
+          case After::NOTHING:
+            // A boolean switch takes no value; any other value is the user's to type.
+            if (parameter->getValueType() == Parameter::BOOL) return;
+            break;
+        }
+        addCase(flag, branch);
+      },
+      // The values of a container's parameters come from value files only.
+      [](const Container&) {});
+  addCase(LOAD_CONFIGURATION_FLAG,
+          "compopt -o filenames 2>/dev/null; COMPREPLY=($(compgen -f -- \"$cur\"))");
+  // The flags offered, as declared, in specification order.
+  std::vector<std::string> listed;
+  std::set<std::string> listedSeen;
+  forEachPlacedItem(
+      *specification.getItemsContainer(),
+      [&](const ParameterRef& reference) {
+        const Parameter* parameter = reference.getParameter();
+        if (parameter == nullptr || reference.isHidden()) return;
+        const std::string flag = std::string("-") + parameter->getName();
+        if (listedSeen.insert(lower(flag)).second) listed.push_back(flag);
+      },
+      [](const Container&) {});
+  listed.push_back(LOAD_CONFIGURATION_FLAG);
+
+  const std::string tool = specification.getName();
+  const std::string function = functionName(tool);
+  std::string words;
+  for (const std::string& flag : listed) words += (words.empty() ? "" : " ") + flag;
+  out << "# bash completion for " << tool
+      << ", generated by zelk-config from its specification. Load it with\n"
+      << "#   source <(zelk-config -completion bash -specification " << specification.getId()
+      << ")\n"
+      << function << "() {\n"
+      << "  local cur=${COMP_WORDS[COMP_CWORD]} prev=\n"
+      << "  ((COMP_CWORD > 0)) && prev=${COMP_WORDS[COMP_CWORD - 1]}\n"
+      << "  COMPREPLY=()\n"
+      << "  # The word after a flag (any letter case) that takes a value.\n"
+      << "  case ${prev,,} in\n";
+  for (const auto& [flag, branch] : cases) {
+    out << "    " << shellWord(flag) << ")\n"
+        << "      " << (branch.empty() ? "" : branch + "\n      ") << "return 0 ;;\n";
+  }
+  out << "  esac\n"
+      << "  # Every other word is a flag.\n"
+      << "  if [[ $cur == -* ]]; then\n"
+      << "    COMPREPLY=($(compgen -W " << shellWord(words) << " -- \"$cur\"))\n"
+      << "  fi\n"
+      << "  return 0\n"
+      << "}\n"
+      << "complete -F " << function << ' ' << shellWord(tool) << '\n';
+}
+
+}  // namespace zelk::configtool

@@ -1,0 +1,25 @@
+// CompletionWriter: a bash completion script for a tool, generated from its specification, so
+// that completion follows the registry instead of being written by hand.
+//
+//   writeBashCompletion(std::cout, *specification);
+//   // then, in bash: source <(zelk-config -completion bash -specification zbackup)
+//
+// What the script offers: for a word that starts with "-", the tool's flags as declared (hidden
+// parameters and parameters inside containers left out, -loadConfiguration added); after a flag
+// of an enumeration, its labels; after a flag whose value names a file (its value name is "file",
+// ends in "file" or is "path") file names, after one that names a directory ("directory", "dir")
+// directory names; after a boolean switch, which takes no value, and after any other flag,
+// nothing. The flag before the word is recognised in any letter case, as the library does.
+#pragma once
+
+#include <iosfwd>
+
+namespace zelk::configuration {
+class Specification;
+}
+
+namespace zelk::configtool {
+
+void writeBashCompletion(std::ostream& out, const configuration::Specification& specification);
+
+}  // namespace zelk::configtool
