@@ -46,7 +46,8 @@ CommandLineValueProviderImpl::~CommandLineValueProviderImpl() {}
 void CommandLineValueProviderImpl::setArguments(int argc, const char* const* argv,
                                                 const char* specificationId, int options) {
   mNeedsMatching = false;
-  mValues.clear();
+  // The previous tree is dropped, not emptied: trees handed out earlier share it.
+  mValues = ValueGroup(ConfigurationManager::COMMAND_LINE_PROVIDER_NAME);
   if (argc == 0) {
     return;
   }
@@ -150,7 +151,9 @@ ValueGroup CommandLineValueProviderImpl::getSpecificationValues(const Specificat
 }
 
 void CommandLineValueProviderImpl::reset() {
-  mValues.reset();
+  // Dropped, not reset: the values live on in the trees that share them.
+  mValues = ValueGroup(ConfigurationManager::COMMAND_LINE_PROVIDER_NAME);
+  mNeedsMatching = false;
   ValueProviderImpl::reset();
 }
 

@@ -44,7 +44,8 @@ public:
   // else a new empty group for spec.
   ValueGroup getSpecificationValues(const Specification& spec, int options) const override;
 
-  // Drops the parsed values, then disables the provider.
+  // Drops the parsed values (unchanged: trees handed out may share them), then disables the
+  // provider.
   void reset() override;
 
   // The value for one flag: bound to the parameter the flag names (exactly, or by unambiguous

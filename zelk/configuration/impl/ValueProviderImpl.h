@@ -27,7 +27,8 @@ public:
   virtual const char* composeHelpMessage(const Specification& spec, size_t screenWidth,
                                          size_t maxParameterNameWidth) const;
   virtual const char* composeUsageMessage(const Specification& spec) const;
-  // Disables the provider and empties the stored texts.
+  // Disables the provider and empties the stored texts. Providers that hold values drop their
+  // references to them without changing them: trees handed out earlier may share those values.
   virtual void reset();
   // Each throws ConfigurationException "... is not supported" unless a provider overrides it.
   virtual void setArguments(const ValueGroup& values, int options);
