@@ -143,6 +143,26 @@ TEST_F(ValueRetrievalTest, TreesHandedOutKeepTheirValuesWhateverBecomesOfTheProv
   EXPECT_EQ(7, mine.getValue("port").asInt32());
 }
 
+TEST_F(ValueRetrievalTest, EachManagerResolvesItsProvidersSpecificationsInItself) {
+  // Another manager with its own "archive" tool, beside the process-wide one.
+  ConfigurationManager* other = impl::Factory::createManager();
+  zelk::test::ArchiveToolModel otherModel(other);
+  addCommandLine({"-target", "/here"});
+  impl::CommandLineValueProvider* cli = new impl::CommandLineValueProvider(20, "");
+  other->registerValueProvider(cli);
+  const char* argv[] = {"tool", "-target", "/there"};
+  cli->enableProvider(3, argv, "archive", 0);
+  EXPECT_EQ("/there", other->getValueGroup("archive", true, 0).getValue("target").asString());
+  EXPECT_EQ("/here", mManager->getValueGroup("archive", true, 0).getValue("target").asString());
+
+  // Taken back, the provider outlives the manager and looks in the process-wide one again.
+  other->unregisterValueProvider(cli->getId());
+  impl::Factory::destroy(other);
+  cli->enableProvider(3, argv, "archive", 0);
+  EXPECT_EQ("/there", cli->getValues(*mModel.archive, 0x14).getValue("target").asString());
+  delete cli;
+}
+
 TEST_F(ValueRetrievalTest, MissingValuesAndBrokenValues) {
   EXPECT_EQ("The \"nosuch%s\" specification was not found", error("nosuch%s", false));
   // A registered provider that is not enabled contributes nothing.

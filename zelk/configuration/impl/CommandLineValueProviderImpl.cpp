@@ -57,8 +57,9 @@ void CommandLineValueProviderImpl::setArguments(int argc, const char* const* arg
   if (specificationId == 0 || *specificationId == '\0') {
     throw std::invalid_argument("Must provide a Specification id");
   }
-  const Specification* spec =
-      ConfigurationManager::getInstance()->getSpecification(specificationId);
+  ConfigurationManager* manager =
+      getManager() != 0 ? getManager() : ConfigurationManager::getInstance();
+  const Specification* spec = manager->getSpecification(specificationId);
   if (spec == 0) {
     std::ostringstream text;
     text << "The \"" << specificationId << "\" specification was not found";

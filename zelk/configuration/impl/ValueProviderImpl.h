@@ -8,6 +8,10 @@
 
 #include "zelk/configuration/ValueProvider.h"
 
+namespace zelk::configuration {
+class ConfigurationManager;
+}
+
 namespace zelk::configuration::impl {
 
 class ValueProviderImpl {
@@ -41,12 +45,17 @@ public:
   int getPriority() const { return mPriority; }
   bool getEnabled() const { return mEnabled; }
   void setEnabled(bool enabled) { mEnabled = enabled; }
+  // The manager the provider is registered with, where it looks specifications up; null while
+  // it is registered nowhere (it then uses the process-wide manager). Set by the manager.
+  ConfigurationManager* getManager() const { return mManager; }
+  void setManager(ConfigurationManager* manager) { mManager = manager; }
 
 protected:
   std::string mId;
   std::string mName;
   int mPriority;
   bool mEnabled;
+  ConfigurationManager* mManager;
   mutable std::string mHelpText;
   mutable std::string mUsageText;
 
