@@ -12,7 +12,7 @@
 //            with the manager is enabled again, the application values are replaced by an empty
 //            group (dropping the cached tree), the tree is read again and every given value read
 //            back; W6restart does the same through enableConfiguration, which reloads the
-//            registry each time
+//            registry each time (W6restartFile with the value file as the application's file)
 // Every value read is added to a checksum that the benchmark keeps, so nothing is optimised away.
 //
 //   zelk_bench --benchmark_filter='W1'         (a row per library and size)
@@ -453,7 +453,8 @@ void Ours_W6reread(benchmark::State& state) {
   setCounters(state, checksum, w);
 }
 
-// An installation whose main registry declares the workload, for enableConfiguration to reload.
+// An installation whose main registry declares the workload, for enableConfiguration to reload,
+// with a value file for the workload in its configuration directory.
 class RestartInstallation {
 public:
   explicit RestartInstallation(const Workload& w) : mRoot(bench::makeTempDir("restart")) {
@@ -463,6 +464,7 @@ public:
       }
     }
     bench::writeFile(mRoot + "/etc/zelk.crg", w.registryText(specIdFor(w.parameters())));
+    bench::writeFile(valueFile(), w.valueFileText(specIdFor(w.parameters())));
   }
   ~RestartInstallation() {
     if (std::system(("rm -rf '" + mRoot + "'").c_str()) != 0) {
@@ -477,19 +479,25 @@ public:
                                    (mRoot + "/config").c_str());
   }
 
+  std::string valueFile() const { return mRoot + "/config/values.xml"; }
+
 private:
   std::string mRoot;
 };
 
-double oursRestart(const Workload& w) {
-  const std::vector<const char*> argv = w.argv(Workload::OURS, false);
+// A restart with the command line, or with the value file and no arguments.
+double oursRestart(const Workload& w, const RestartInstallation& restart, bool file) {
+  const std::vector<const char*> argv =
+      file ? std::vector<const char*>{"bench"} : w.argv(Workload::OURS, false);
   const std::string specId = specIdFor(w.parameters());
   zc::ConfigurationManager* m = zc::ConfigurationManager::getInstance();
-  m->enableConfiguration(false, nullptr, static_cast<unsigned int>(argv.size()), argv.data(),
-                         specId.c_str());
-  return readBack(m->getValueGroup(specId.c_str(), false, 0), w);
+  m->enableConfiguration(false, file ? restart.valueFile().c_str() : nullptr,
+                         static_cast<unsigned int>(argv.size()), argv.data(), specId.c_str());
+  const zc::ValueGroup values = m->getValueGroup(specId.c_str(), false, 0);
+  return file ? readAll(values, w) : readBack(values, w);
 }
 
+template <bool file>
 void Ours_W6restart(benchmark::State& state) {
   const Workload& w = workload(state.range(0), state.range(1));
   {
@@ -497,7 +505,7 @@ void Ours_W6restart(benchmark::State& state) {
     restart.activate();
     double checksum = 0;
     for (auto _ : state) {
-      checksum += oursRestart(w);
+      checksum += oursRestart(w, restart, file);
     }
     setCounters(state, checksum, w);
     zc::ConfigurationManager::shutdown();
@@ -862,8 +870,9 @@ int memoryRun(const std::string& who) {
 }  // namespace
 
 namespace {
-// The re-read set up by --once for a W6 workload.
+// The re-read or restart installation set up by --once for a W6 workload.
 Reread* gReread = nullptr;
+const RestartInstallation* gRestart = nullptr;
 
 // The W6 workloads of --once by name.
 const std::map<std::string, Reread::Source>& rereadSources() {
@@ -879,8 +888,8 @@ const std::map<std::string, Reread::Source>& rereadSources() {
 extern "C" __attribute__((noinline)) double measuredRun(const std::string& who,
                                                         const std::string& what,
                                                         const Workload& w) {
-  if (who == "ours" && what == "W6restart") {
-    return oursRestart(w);
+  if (who == "ours" && (what == "W6restart" || what == "W6restartFile")) {
+    return oursRestart(w, *gRestart, what == "W6restartFile");
   }
   if (who == "ours") {
     zc::ConfigurationManager& m = manager();
@@ -954,9 +963,10 @@ int onceRun(const std::string& spec) {
   w.words(Workload::PEERS, false);
   std::unique_ptr<RestartInstallation> restart;
   std::unique_ptr<Reread> reread;
-  if (who == "ours" && what == "W6restart") {
+  if (who == "ours" && (what == "W6restart" || what == "W6restartFile")) {
     restart.reset(new RestartInstallation(w));
     restart->activate();
+    gRestart = restart.get();
     // The manager exists before the measured part: only the re-read is counted.
     zc::ConfigurationManager::getInstance();
   } else if (who == "ours" && rereadSources().count(what) != 0) {
@@ -992,7 +1002,8 @@ BENCHMARK_TEMPLATE(Ours_W6reread, Reread::CLI)->Name("Ours_W6reread")->Apply(siz
 BENCHMARK_TEMPLATE(Ours_W6reread, Reread::CLI_PREFIXES)->Name("Ours_W6rereadPrefixes")->Apply(sized);
 BENCHMARK_TEMPLATE(Ours_W6reread, Reread::FILE)->Name("Ours_W6rereadFile")->Apply(sized);
 BENCHMARK_TEMPLATE(Ours_W6reread, Reread::APP)->Name("Ours_W6rereadApp")->Apply(sized);
-BENCHMARK(Ours_W6restart)->Apply(sized);
+BENCHMARK_TEMPLATE(Ours_W6restart, false)->Name("Ours_W6restart")->Apply(sized);
+BENCHMARK_TEMPLATE(Ours_W6restart, true)->Name("Ours_W6restartFile")->Apply(sized);
 #ifdef ZELK_BENCH_HAVE_BOOST_PO
 BENCHMARK(Boost_W1full)->Apply(sized);
 BENCHMARK(Boost_W1parse)->Apply(sized);

@@ -72,7 +72,7 @@ peers = {"W1full": [("Boost", "W1full"), ("Cli11", "W1full")],
          # A re-read against starting over, and against the peers parsing the same words again.
          "W6reread": [("Ours", "W6restart"), ("Boost", "W1parse"), ("Cli11", "W1parse")],
          "W6rereadPrefixes": [("Ours", "W6restart"), ("Boost", "W2prefixes")],
-         "W6rereadFile": [("Ours", "W6restart")],
+         "W6rereadFile": [("Ours", "W6restartFile")],
          "W6rereadApp": [("Ours", "W6restart")]}
 print()
 print("%-36s %-36s %10s" % ("ours", "against", "ratio"))
