@@ -34,10 +34,10 @@ public:
   ~CommandLineValueProviderImpl() override;
 
   // Parses argv for the specification specificationId (looked up in the manager the provider is
-  // registered with, else in the process-wide one),
-  // replacing the values held. argc 0 clears and returns. Throws std::invalid_argument for a null
-  // argv, a missing id or an unknown specification, ConfigurationException for a bare word
-  // (without option bit 2), a lone "-" or an ambiguous flag. On a throw the provider holds nothing.
+  // registered with, else in the process-wide one), replacing the values held. argc 0 clears and
+  // returns. Throws std::invalid_argument for a null argv, a missing id or an unknown
+  // specification, ConfigurationException for a bare word (without option bit 2), a lone "-" or
+  // an ambiguous flag. On a throw the provider holds nothing.
   void setArguments(int argc, const char* const* argv, const char* specificationId,
                     int options) override;
 

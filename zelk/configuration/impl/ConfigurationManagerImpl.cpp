@@ -104,10 +104,10 @@ ValueProvider* ConfigurationManagerImpl::getValueProvider(const char* name) cons
 }
 
 bool ConfigurationManagerImpl::unregisterValueProvider(const char* name) {
-  ZELK_CONTRACT(name != 0 && *name != '\0');
-  // The providers taken back no longer look specifications up here.
-  for (ValueProviderMap::ConstIterator it = mValueProviders.begin(); it != mValueProviders.end();
-       ++it) {
+  // The providers taken back no longer look specifications up here. (A null name is left to the
+  // map's own contract check.)
+  for (ValueProviderMap::ConstIterator it = mValueProviders.begin();
+       name != 0 && it != mValueProviders.end(); ++it) {
     impl::ValueProviderImpl* provider = it->second->getImpl();
     if (it->first == name && provider->getManager() == mSelf) {
       provider->setManager(0);
