@@ -28,7 +28,7 @@ count() {
     "$build/bench/zelk_bench" --once="$1" >/dev/null 2>"$out/log" || { cat "$out/log" >&2; echo 0; return; }
   sed -n 's/^summary: //p' "$out/cg" | head -1
 }
-printf '%-8s %-10s' who workload
+printf '%-8s %-13s' who workload
 for ((s = 0; s < largest; ++s)); do printf ' %16s' "${sizes[$s]}"; done
 for ((s = 1; s < largest; ++s)); do printf ' %8s' "x10 #$s"; done
 printf '\n'
@@ -42,7 +42,7 @@ for who in "${subjects[@]}"; do
     [ "$who" != ours ] && [ "${what#W6}" != "$what" ] && continue
     counts=()
     for ((s = 0; s < largest; ++s)); do counts+=("$(count "$who:$what:${sizes[$s]}")"); done
-    printf '%-8s %-10s' "$who" "$what"
+    printf '%-8s %-13s' "$who" "$what"
     for c in "${counts[@]}"; do printf ' %16s' "$c"; done
     for ((s = 1; s < largest; ++s)); do
       awk -v a="${counts[$((s - 1))]}" -v b="${counts[$s]}" 'BEGIN { if (a > 0) printf " %8.2f", b / a; else printf " %8s", "-" }'
