@@ -8,6 +8,11 @@
 //   W4       one typed read of an int32 in a group of 200, by name and through a held value
 //   W5       start-up over 20 registry files (2000 parameters, 50 specifications) against reading
 //            and tokenizing the same files
+//   W6       re-reading a command line in a running process: a command-line provider registered
+//            with the manager is enabled again, the application values are replaced by an empty
+//            group (dropping the cached tree), the tree is read again and every given value read
+//            back; W6restart does the same through enableConfiguration, which reloads the
+//            registry each time (W6restartFile with the value file as the application's file)
 // Every value read is added to a checksum that the benchmark keeps, so nothing is optimised away.
 //
 //   zelk_bench --benchmark_filter='W1'         (a row per library and size)
@@ -20,6 +25,7 @@
 #include <fstream>
 #include <iostream>
 #include <map>
+#include <memory>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -361,6 +367,150 @@ void Floor_W5startup(benchmark::State& state) {
     }
   }
   state.counters["checksum"] = checksum;
+}
+
+// W6: a long-running process re-reads its settings. The provider is registered with the manager
+// once and kept; each re-read gives it its input again (the command line, abbreviated or not, or
+// the value file), replaces the application values (an empty group, or for APP every value given)
+// and reads the merged tree, which the replacement dropped from the cache.
+class Reread {
+public:
+  enum Source { CLI, CLI_PREFIXES, FILE, APP };
+
+  Reread(const Workload& w, Source source)
+      : mWorkload(w),
+        mSpec(ensureLoaded(w)),
+        mSpecId(specIdFor(w.parameters())),
+        mSource(source),
+        mProvider(nullptr) {
+    if (source == CLI || source == CLI_PREFIXES) {
+      mProvider = new zc::impl::CommandLineValueProvider(1, "");
+      mArgv = w.argv(Workload::OURS, source == CLI_PREFIXES);
+    } else if (source == FILE) {
+      mProvider = new zc::XmlFileValueProvider(3, "");
+      mPath = installation().root() + "/" + mSpecId + ".xml";
+      bench::writeFile(mPath, w.valueFileText(mSpecId));
+    }
+    if (mProvider != nullptr) {
+      mProviderId = mProvider->getId();
+      manager().registerValueProvider(mProvider);
+    }
+  }
+  ~Reread() {
+    zc::ConfigurationManager& m = manager();
+    if (mProvider != nullptr) {
+      m.unregisterValueProvider(mProviderId.c_str());
+      zc::impl::Factory::destroy(mProvider, false, 0);
+    }
+    m.setApplicationValues(zc::ValueGroup(&mSpec), 0);
+  }
+  double run() {
+    zc::ConfigurationManager& m = manager();
+    zc::ValueGroup application(&mSpec);
+    if (mSource == FILE) {
+      mProvider->enableProvider(mPath.c_str(), 0);
+    } else if (mSource == APP) {
+      for (size_t i : mWorkload.given()) {
+        const char* name = mWorkload.names()[i].c_str();
+        if (bench::kindOf(i) == Kind::UNBOUNDED_INT32 ||
+            bench::kindOf(i) == Kind::UNBOUNDED_STRING) {
+          application.addUnboundedValue(name, Workload::valueText(i, 0).c_str());
+          application.addUnboundedValue(name, Workload::valueText(i, 1).c_str());
+        } else if (bench::kindOf(i) == Kind::BOOL) {
+          application.addValue(name, nullptr);  // a boolean given without a text is true
+        } else {
+          application.addValue(name, Workload::valueText(i, 0).c_str());
+        }
+      }
+    } else {
+      mProvider->enableProvider(static_cast<int>(mArgv.size()), mArgv.data(), mSpecId.c_str(),
+                                0);
+    }
+    m.setApplicationValues(application, 0);
+    const zc::ValueGroup values = m.getValueGroup(mSpecId.c_str(), false, 0);
+    return mSource == FILE ? readAll(values, mWorkload) : readBack(values, mWorkload);
+  }
+
+private:
+  const Workload& mWorkload;
+  const zc::Specification& mSpec;
+  std::string mSpecId;
+  Source mSource;
+  zc::ValueProvider* mProvider;
+  std::string mProviderId;
+  std::vector<const char*> mArgv;
+  std::string mPath;
+};
+
+template <Reread::Source source>
+void Ours_W6reread(benchmark::State& state) {
+  const Workload& w = workload(state.range(0), state.range(1));
+  Reread reread(w, source);
+  double checksum = reread.run();  // the provider already holds values when timing starts
+  for (auto _ : state) {
+    checksum += reread.run();
+  }
+  setCounters(state, checksum, w);
+}
+
+// An installation whose main registry declares the workload, for enableConfiguration to reload,
+// with a value file for the workload in its configuration directory.
+class RestartInstallation {
+public:
+  explicit RestartInstallation(const Workload& w) : mRoot(bench::makeTempDir("restart")) {
+    for (const char* dir : {"/etc", "/plugins", "/config"}) {
+      if (std::system(("mkdir -p '" + mRoot + dir + "'").c_str()) != 0) {
+        throw std::runtime_error("cannot create the restart installation");
+      }
+    }
+    bench::writeFile(mRoot + "/etc/zelk.crg", w.registryText(specIdFor(w.parameters())));
+    bench::writeFile(valueFile(), w.valueFileText(specIdFor(w.parameters())));
+  }
+  ~RestartInstallation() {
+    if (std::system(("rm -rf '" + mRoot + "'").c_str()) != 0) {
+      std::cerr << "could not remove " << mRoot << '\n';
+    }
+  }
+  // Makes the host's directories this installation's, for a manager made afresh.
+  void activate() const {
+    gLoaded = nullptr;
+    zc::ConfigurationManager::shutdown();
+    zelk::host::hostSetDirectories((mRoot + "/etc").c_str(), (mRoot + "/plugins").c_str(),
+                                   (mRoot + "/config").c_str());
+  }
+
+  std::string valueFile() const { return mRoot + "/config/values.xml"; }
+
+private:
+  std::string mRoot;
+};
+
+// A restart with the command line, or with the value file and no arguments.
+double oursRestart(const Workload& w, const RestartInstallation& restart, bool file) {
+  const std::vector<const char*> argv =
+      file ? std::vector<const char*>{"bench"} : w.argv(Workload::OURS, false);
+  const std::string specId = specIdFor(w.parameters());
+  zc::ConfigurationManager* m = zc::ConfigurationManager::getInstance();
+  m->enableConfiguration(false, file ? restart.valueFile().c_str() : nullptr,
+                         static_cast<unsigned int>(argv.size()), argv.data(), specId.c_str());
+  const zc::ValueGroup values = m->getValueGroup(specId.c_str(), false, 0);
+  return file ? readAll(values, w) : readBack(values, w);
+}
+
+template <bool file>
+void Ours_W6restart(benchmark::State& state) {
+  const Workload& w = workload(state.range(0), state.range(1));
+  {
+    RestartInstallation restart(w);
+    restart.activate();
+    double checksum = 0;
+    for (auto _ : state) {
+      checksum += oursRestart(w, restart, file);
+    }
+    setCounters(state, checksum, w);
+    zc::ConfigurationManager::shutdown();
+  }
+  installation().activate();
 }
 
 #ifdef ZELK_BENCH_HAVE_BOOST_PO
@@ -719,11 +869,28 @@ int memoryRun(const std::string& who) {
 
 }  // namespace
 
+namespace {
+// The re-read or restart installation set up by --once for a W6 workload.
+Reread* gReread = nullptr;
+const RestartInstallation* gRestart = nullptr;
+
+// The W6 workloads of --once by name.
+const std::map<std::string, Reread::Source>& rereadSources() {
+  static const std::map<std::string, Reread::Source> sources = {
+      {"W6", Reread::CLI}, {"W6prefixes", Reread::CLI_PREFIXES}, {"W6file", Reread::FILE},
+      {"W6app", Reread::APP}};
+  return sources;
+}
+}  // namespace
+
 // One run of a workload, for instruction counts: callgrind collects inside this function only
 // (--toggle-collect=measuredRun*), so set-up and generation are left out.
 extern "C" __attribute__((noinline)) double measuredRun(const std::string& who,
                                                         const std::string& what,
                                                         const Workload& w) {
+  if (who == "ours" && (what == "W6restart" || what == "W6restartFile")) {
+    return oursRestart(w, *gRestart, what == "W6restartFile");
+  }
   if (who == "ours") {
     zc::ConfigurationManager& m = manager();
     if (what == "W1full") {
@@ -733,6 +900,9 @@ extern "C" __attribute__((noinline)) double measuredRun(const std::string& who,
     const zc::Specification& spec = *m.getSpecification(specIdFor(w.parameters()).c_str());
     if (what == "W1parse" || what == "W2") {
       return oursParse(spec, w, what == "W2");
+    }
+    if (what.compare(0, 2, "W6") == 0) {
+      return gReread->run();
     }
     if (what == "W3") {
       const std::string path = installation().root() + "/" + specIdFor(w.parameters()) + ".xml";
@@ -791,7 +961,19 @@ int onceRun(const std::string& spec) {
   w.words(Workload::OURS, false);
   w.words(Workload::PEERS, true);
   w.words(Workload::PEERS, false);
-  if (who == "ours") {
+  std::unique_ptr<RestartInstallation> restart;
+  std::unique_ptr<Reread> reread;
+  if (who == "ours" && (what == "W6restart" || what == "W6restartFile")) {
+    restart.reset(new RestartInstallation(w));
+    restart->activate();
+    gRestart = restart.get();
+    // The manager exists before the measured part: only the re-read is counted.
+    zc::ConfigurationManager::getInstance();
+  } else if (who == "ours" && rereadSources().count(what) != 0) {
+    reread.reset(new Reread(w, rereadSources().at(what)));
+    reread->run();
+    gReread = reread.get();
+  } else if (who == "ours") {
     if (what == "W1full") {
       registryFileFor(w);
     } else {
@@ -816,6 +998,12 @@ BENCHMARK(Ours_W4byName);
 BENCHMARK(Ours_W4held);
 BENCHMARK(Ours_W5startup)->Unit(benchmark::kMicrosecond);
 BENCHMARK(Floor_W5startup)->Unit(benchmark::kMicrosecond);
+BENCHMARK_TEMPLATE(Ours_W6reread, Reread::CLI)->Name("Ours_W6reread")->Apply(sized);
+BENCHMARK_TEMPLATE(Ours_W6reread, Reread::CLI_PREFIXES)->Name("Ours_W6rereadPrefixes")->Apply(sized);
+BENCHMARK_TEMPLATE(Ours_W6reread, Reread::FILE)->Name("Ours_W6rereadFile")->Apply(sized);
+BENCHMARK_TEMPLATE(Ours_W6reread, Reread::APP)->Name("Ours_W6rereadApp")->Apply(sized);
+BENCHMARK_TEMPLATE(Ours_W6restart, false)->Name("Ours_W6restart")->Apply(sized);
+BENCHMARK_TEMPLATE(Ours_W6restart, true)->Name("Ours_W6restartFile")->Apply(sized);
 #ifdef ZELK_BENCH_HAVE_BOOST_PO
 BENCHMARK(Boost_W1full)->Apply(sized);
 BENCHMARK(Boost_W1parse)->Apply(sized);

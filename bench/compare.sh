@@ -68,7 +68,12 @@ peers = {"W1full": [("Boost", "W1full"), ("Cli11", "W1full")],
          "W3valueFile": [("Boost", "W3ini"), ("Cli11", "W3ini")],
          "W4byName": [("Boost", "W4byName")],
          "W4held": [("Boost", "W4held")],
-         "W5startup": [("Floor", "W5startup")]}
+         "W5startup": [("Floor", "W5startup")],
+         # A re-read against starting over, and against the peers parsing the same words again.
+         "W6reread": [("Ours", "W6restart"), ("Boost", "W1parse"), ("Cli11", "W1parse")],
+         "W6rereadPrefixes": [("Ours", "W6restart"), ("Boost", "W2prefixes")],
+         "W6rereadFile": [("Ours", "W6restartFile")],
+         "W6rereadApp": [("Ours", "W6restart")]}
 print()
 print("%-36s %-36s %10s" % ("ours", "against", "ratio"))
 for name in sorted(med):

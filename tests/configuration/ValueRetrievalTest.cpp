@@ -28,12 +28,13 @@ protected:
   ValueRetrievalTest() : mManager(mSingleton.manager()), mModel(mManager) {}
 
   // Registers an enabled XML provider over a file holding content.
-  void addFile(const std::string& content) {
+  XmlFileValueProvider* addFile(const std::string& content) {
     const std::string path = mDir.file("values" + std::to_string(++mFiles) + ".xml");
     zelk::test::writeTextFile(path, content);
     XmlFileValueProvider* provider = new XmlFileValueProvider(10, "");
     mManager->registerValueProvider(provider);
     provider->enableProvider(path.c_str(), 0);
+    return provider;
   }
 
   // Registers an enabled command-line provider over "tool" and words, for the archive tool.
@@ -108,6 +109,60 @@ TEST_F(ValueRetrievalTest, ValuesAreCachedPerIdWhateverTheFlagsOrCase) {
   EXPECT_NE(fresh.getInstanceId(), mManager->getValueGroup("archive", true, 0).getInstanceId());
 }
 
+TEST_F(ValueRetrievalTest, TreesHandedOutKeepTheirValuesWhateverBecomesOfTheProviders) {
+  XmlFileValueProvider* file =
+      addFile("<archive target=\"/file\" level=\"8\"><paths value=\"/f\"/><db dbname=\"d\"/></archive>");
+  impl::CommandLineValueProvider* cli = addCommandLine({"-name", "cli", "-paths", "/c"});
+  ValueGroup mine(mModel.archive);
+  mine.addValue("port", "7");
+  mManager->setApplicationValues(mine, 0);
+  ValueGroup merged = mManager->getValueGroup("archive", true, 0);
+  ValueGroup direct = cli->getValues(*mModel.archive, 0x14);
+  const std::string before = mManager->getRepresentation(merged);
+
+  // Each provider re-read, replaced, reset, then destroyed.
+  const char* argv[] = {"tool", "-name", "again"};
+  cli->enableProvider(3, argv, "archive", 0);
+  file->enableProvider(mDir.file("values1.xml").c_str(), 0);
+  mManager->setApplicationValues(ValueGroup(mModel.archive), 0);
+  EXPECT_EQ("again", mManager->getValueGroup("archive", false, 0).getValue("name").asString());
+  for (const char* id : {cli->getId(), file->getId(), "APP_VALUES"}) {
+    ValueProvider* provider = mManager->getValueProvider(id);
+    provider->reset();
+    mManager->unregisterValueProvider(id);
+    impl::Factory::destroy(provider, false, 0);
+  }
+  mManager->getImpl()->clearValueCache();
+
+  EXPECT_EQ(before, mManager->getRepresentation(merged));
+  EXPECT_EQ(7, merged.getValue("port").asInt32());
+  EXPECT_EQ("cli", merged.getValue("name").asString());
+  EXPECT_EQ(2u, merged.getUnboundedValue("paths").getValueCount());
+  EXPECT_EQ("d", merged.getValueGroup("db").getValue("dbname").asString());
+  EXPECT_EQ("cli", direct.getValue("name").asString());
+  EXPECT_EQ(7, mine.getValue("port").asInt32());
+}
+
+TEST_F(ValueRetrievalTest, EachManagerResolvesItsProvidersSpecificationsInItself) {
+  // Another manager with its own "archive" tool, beside the process-wide one.
+  ConfigurationManager* other = impl::Factory::createManager();
+  zelk::test::ArchiveToolModel otherModel(other);
+  addCommandLine({"-target", "/here"});
+  impl::CommandLineValueProvider* cli = new impl::CommandLineValueProvider(20, "");
+  other->registerValueProvider(cli);
+  const char* argv[] = {"tool", "-target", "/there"};
+  cli->enableProvider(3, argv, "archive", 0);
+  EXPECT_EQ("/there", other->getValueGroup("archive", true, 0).getValue("target").asString());
+  EXPECT_EQ("/here", mManager->getValueGroup("archive", true, 0).getValue("target").asString());
+
+  // Taken back, the provider outlives the manager and looks in the process-wide one again.
+  other->unregisterValueProvider(cli->getId());
+  impl::Factory::destroy(other);
+  cli->enableProvider(3, argv, "archive", 0);
+  EXPECT_EQ("/there", cli->getValues(*mModel.archive, 0x14).getValue("target").asString());
+  delete cli;
+}
+
 TEST_F(ValueRetrievalTest, MissingValuesAndBrokenValues) {
   EXPECT_EQ("The \"nosuch%s\" specification was not found", error("nosuch%s", false));
   // A registered provider that is not enabled contributes nothing.
@@ -176,11 +231,11 @@ TEST_F(ValueRetrievalTest, ApplicationValuesAreAnnounced) {
   ValueGroup mine = group("/app");
   mManager->setApplicationValues(mine, 0);
   EXPECT_EQ("/app", mManager->getValueGroup("archive", true, 0).getValue("target").asString());
-  // The provider is reset first, which unbinds the old group: its removal is not announced.
+  // The provider is reset first, which lets the old group go unchanged and unannounced.
   ValueProvider* provider = mManager->getValueProvider("APP_VALUES");
   mManager->setApplicationValues(group("/next"), 0);
   EXPECT_EQ(provider, mManager->getValueProvider("APP_VALUES"));
-  EXPECT_EQ(0u, mine.getItemCount());
+  EXPECT_EQ("/app", mine.getValue("target").asString());
   mManager->setApplicationValues(ValueGroup("unmatched"), 0);
   mManager->setApplicationValues(ValueGroup(), 0);
   EXPECT_EQ(0u, mManager->getValueGroup("archive", false, 0).getItemCount());

@@ -59,7 +59,7 @@ public:
   // empty); get returns null when nothing is registered under the name and throws "Duplicate %s
   // "%s"" when several are; unregister removes every entry of the name without destroying it and
   // returns whether one was removed; enumerators walk the registry in key order and are deleted
-  // by the caller.
+  // by the caller. A registered value provider looks specifications up in this manager.
   void registerValueProvider(ValueProvider* provider);
   ValueProvider* getValueProvider(const char* name) const;
   bool unregisterValueProvider(const char* name);
@@ -108,7 +108,8 @@ public:
 
   // The merged, validated and completed values of the specification, cached per id.
   ValueGroup getValueGroup(const char* specificationId, bool required, int flags) const;
-  // Installs the application's own values (they take precedence over every other provider).
+  // Installs the application's own values (they take precedence over every other provider). The
+  // group installed before is let go unchanged.
   void setApplicationValues(const ValueGroup& values, int flags);
   // Matches values to specification and validates them; with a collector the errors are added to
   // it, without one a ValidationException is thrown.

@@ -39,7 +39,8 @@ public:
                                          size_t maxParameterNameWidth) const;
   // Usage text for spec; the pointer is valid until the next call or reset().
   virtual const char* composeUsageMessage(const Specification& spec) const;
-  // Disables the provider and drops what it holds.
+  // Disables the provider and drops what it holds. Values handed out earlier (and the trees that
+  // merged them) keep their values: they are let go, never emptied.
   virtual void reset();
   virtual ~ValueProvider();
   // Give the provider its arguments; a kind that takes no arguments of this form throws

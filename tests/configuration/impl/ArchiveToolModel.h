@@ -1,6 +1,7 @@
-// Two tool specifications for the value provider and retrieval tests, registered in the
-// process-wide manager (the command-line provider looks specifications up there). Each test
-// binary that uses them runs in a temporary installation and shuts the manager down afterwards.
+// Two tool specifications for the value provider and retrieval tests, registered in the given
+// manager (a command-line provider looks specifications up in the manager it is registered with,
+// else in the process-wide one). Each test binary that uses them runs in a temporary installation
+// and shuts the manager down afterwards.
 //
 //   archive                        (specification; items container id "archive")
 //     [help]        bool

@@ -34,10 +34,9 @@ ValueGroup ApplicationValueProviderImpl::getSpecificationValues(const Specificat
 }
 
 void ApplicationValueProviderImpl::reset() {
-  // A null group has nothing to reset.
-  if (!mValues.isNull()) {
-    mValues.reset();
-  }
+  // The application's group is let go, not reset: it is the application's own, and merged trees
+  // handed out earlier share its values. Its removal is not announced.
+  mValues = ValueGroup::Null;
   ValueProviderImpl::reset();
 }
 

@@ -22,7 +22,7 @@ public:
   void setArguments(const ValueGroup& values, int options) override;
   // The group held (shared), whatever spec is; a new empty group for spec when it is null.
   ValueGroup getSpecificationValues(const Specification& spec, int options) const override;
-  // Resets the group held, then disables the provider.
+  // Lets the group held go (unchanged, and its removal unannounced), then disables the provider.
   void reset() override;
 
 private:

@@ -46,7 +46,8 @@ CommandLineValueProviderImpl::~CommandLineValueProviderImpl() {}
 void CommandLineValueProviderImpl::setArguments(int argc, const char* const* argv,
                                                 const char* specificationId, int options) {
   mNeedsMatching = false;
-  mValues.clear();
+  // The previous tree is dropped, not emptied: trees handed out earlier share it.
+  mValues = ValueGroup(ConfigurationManager::COMMAND_LINE_PROVIDER_NAME);
   if (argc == 0) {
     return;
   }
@@ -56,8 +57,9 @@ void CommandLineValueProviderImpl::setArguments(int argc, const char* const* arg
   if (specificationId == 0 || *specificationId == '\0') {
     throw std::invalid_argument("Must provide a Specification id");
   }
-  const Specification* spec =
-      ConfigurationManager::getInstance()->getSpecification(specificationId);
+  ConfigurationManager* manager =
+      getManager() != 0 ? getManager() : ConfigurationManager::getInstance();
+  const Specification* spec = manager->getSpecification(specificationId);
   if (spec == 0) {
     std::ostringstream text;
     text << "The \"" << specificationId << "\" specification was not found";
@@ -150,7 +152,9 @@ ValueGroup CommandLineValueProviderImpl::getSpecificationValues(const Specificat
 }
 
 void CommandLineValueProviderImpl::reset() {
-  mValues.reset();
+  // Dropped, not reset: the values live on in the trees that share them.
+  mValues = ValueGroup(ConfigurationManager::COMMAND_LINE_PROVIDER_NAME);
+  mNeedsMatching = false;
   ValueProviderImpl::reset();
 }
 

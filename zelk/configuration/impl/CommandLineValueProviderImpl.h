@@ -33,10 +33,11 @@ public:
   CommandLineValueProviderImpl(int priority, const std::string& id);
   ~CommandLineValueProviderImpl() override;
 
-  // Parses argv for the specification specificationId (looked up in the singleton manager),
-  // replacing the values held. argc 0 clears and returns. Throws std::invalid_argument for a null
-  // argv, a missing id or an unknown specification, ConfigurationException for a bare word
-  // (without option bit 2), a lone "-" or an ambiguous flag. On a throw the provider holds nothing.
+  // Parses argv for the specification specificationId (looked up in the manager the provider is
+  // registered with, else in the process-wide one), replacing the values held. argc 0 clears and
+  // returns. Throws std::invalid_argument for a null argv, a missing id or an unknown
+  // specification, ConfigurationException for a bare word (without option bit 2), a lone "-" or
+  // an ambiguous flag. On a throw the provider holds nothing.
   void setArguments(int argc, const char* const* argv, const char* specificationId,
                     int options) override;
 
@@ -44,7 +45,8 @@ public:
   // else a new empty group for spec.
   ValueGroup getSpecificationValues(const Specification& spec, int options) const override;
 
-  // Drops the parsed values, then disables the provider.
+  // Drops the parsed values (unchanged: trees handed out may share them), then disables the
+  // provider.
   void reset() override;
 
   // The value for one flag: bound to the parameter the flag names (exactly, or by unambiguous

@@ -35,6 +35,7 @@
 #include "zelk/configuration/impl/ValueGroupItemStringGenerator.h"
 #include "zelk/configuration/impl/ValueGroupState.h"
 #include "zelk/configuration/impl/ValueGroupValidator.h"
+#include "zelk/configuration/impl/ValueProviderImpl.h"
 #include "zelk/host/ExtensionPoint.h"
 #include "zelk/host/HostDirectories.h"
 #include "zelk/host/HostFileSystem.h"
@@ -94,6 +95,8 @@ ConfigurationManager* ConfigurationManagerImpl::getSelf() const {
 void ConfigurationManagerImpl::registerValueProvider(ValueProvider* provider) {
   ZELK_CONTRACT(provider != 0);
   mValueProviders.add(provider->getId(), provider);
+  // The provider resolves specifications in the manager that holds it.
+  provider->getImpl()->setManager(mSelf);
 }
 
 ValueProvider* ConfigurationManagerImpl::getValueProvider(const char* name) const {
@@ -101,6 +104,15 @@ ValueProvider* ConfigurationManagerImpl::getValueProvider(const char* name) cons
 }
 
 bool ConfigurationManagerImpl::unregisterValueProvider(const char* name) {
+  // The providers taken back no longer look specifications up here. (A null name is left to the
+  // map's own contract check.)
+  for (ValueProviderMap::ConstIterator it = mValueProviders.begin();
+       name != 0 && it != mValueProviders.end(); ++it) {
+    impl::ValueProviderImpl* provider = it->second->getImpl();
+    if (it->first == name && provider->getManager() == mSelf) {
+      provider->setManager(0);
+    }
+  }
   return mValueProviders.remove(name);
 }
 

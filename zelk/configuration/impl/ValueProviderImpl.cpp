@@ -15,7 +15,7 @@ namespace zelk::configuration::impl {
 int ValueProviderImpl::smGeneratedIds = 0;
 
 ValueProviderImpl::ValueProviderImpl(const std::string& name, int priority, const std::string& id)
-    : mId(id), mName(name), mPriority(priority), mEnabled(false) {
+    : mId(id), mName(name), mPriority(priority), mEnabled(false), mManager(0) {
   ZELK_CONTRACT_MESSAGE(!name.empty(), "Must provide a name");
   if (mId.empty()) {
     mId = mName + "-" + std::to_string(++smGeneratedIds);

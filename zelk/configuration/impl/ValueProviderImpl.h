@@ -8,6 +8,10 @@
 
 #include "zelk/configuration/ValueProvider.h"
 
+namespace zelk::configuration {
+class ConfigurationManager;
+}
+
 namespace zelk::configuration::impl {
 
 class ValueProviderImpl {
@@ -27,7 +31,8 @@ public:
   virtual const char* composeHelpMessage(const Specification& spec, size_t screenWidth,
                                          size_t maxParameterNameWidth) const;
   virtual const char* composeUsageMessage(const Specification& spec) const;
-  // Disables the provider and empties the stored texts.
+  // Disables the provider and empties the stored texts. Providers that hold values drop their
+  // references to them without changing them: trees handed out earlier may share those values.
   virtual void reset();
   // Each throws ConfigurationException "... is not supported" unless a provider overrides it.
   virtual void setArguments(const ValueGroup& values, int options);
@@ -40,12 +45,17 @@ public:
   int getPriority() const { return mPriority; }
   bool getEnabled() const { return mEnabled; }
   void setEnabled(bool enabled) { mEnabled = enabled; }
+  // The manager the provider is registered with, where it looks specifications up; null while
+  // it is registered nowhere (it then uses the process-wide manager). Set by the manager.
+  ConfigurationManager* getManager() const { return mManager; }
+  void setManager(ConfigurationManager* manager) { mManager = manager; }
 
 protected:
   std::string mId;
   std::string mName;
   int mPriority;
   bool mEnabled;
+  ConfigurationManager* mManager;
   mutable std::string mHelpText;
   mutable std::string mUsageText;
 
