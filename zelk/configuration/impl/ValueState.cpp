@@ -84,20 +84,30 @@ T fromBits(uint64_t bits) {
 }  // namespace
 
 ValueState::ValueState(const char* name)
-    : ValueItemState(name), mDefaultParameter(0), mCacheTag(0), mCacheBits(0) {}
+    : ValueItemState(name),
+      mDefaultParameter(0),
+      mValueType(UNTYPED),
+      mCacheTag(0),
+      mCacheBits(0) {}
 
 ValueState::ValueState(const GroupItem* groupItem)
-    : ValueItemState(groupItem), mDefaultParameter(0), mCacheTag(0), mCacheBits(0) {}
+    : ValueItemState(groupItem),
+      mDefaultParameter(0),
+      mValueType(findValueType()),
+      mCacheTag(0),
+      mCacheBits(0) {}
 
 ValueState::ValueState(const Parameter* parameter)
     : ValueItemState(parameterId(parameter)),
       mDefaultParameter(parameter),
+      mValueType(findValueType()),
       mCacheTag(0),
       mCacheBits(0) {}
 
 ValueState::ValueState(const ValueState& other, int shallow)
     : ValueItemState(other),
       mDefaultParameter(other.mDefaultParameter),
+      mValueType(other.mValueType),
       mCacheTag(0),
       mCacheBits(0) {
   if (shallow == 0) {
@@ -171,10 +181,12 @@ const Parameter* ValueState::getParameter() const {
   return ref != 0 ? ref->getParameter() : 0;
 }
 
-int ValueState::getValueType() const {
+int ValueState::findValueType() const {
   const Parameter* parameter = getParameter();
   return parameter != 0 ? static_cast<int>(parameter->getValueType()) : UNTYPED;
 }
+
+void ValueState::bindingChanged() { mValueType = findValueType(); }
 
 const char* ValueState::getValueTypeName() const { return typeNameOf(getValueType()); }
 
@@ -202,16 +214,6 @@ const std::string& ValueState::textAt(size_t index) const {
   return mTexts[index];
 }
 
-bool ValueState::readCache(int type, uint64_t& bits) const {
-  const uint64_t tag = mCacheTag.load();
-  if ((tag & CACHE_KEY_MASK) != cacheKey(type)) {
-    return false;
-  }
-  bits = mCacheBits.load();
-  // A publication or invalidation since the first load changed the generation.
-  return mCacheTag.load() == tag;
-}
-
 void ValueState::fillCache(int type, uint64_t bits) const {
   uint64_t tag = mCacheTag.load();
   if ((tag & CACHE_BUSY) != 0) {
@@ -227,18 +229,33 @@ void ValueState::fillCache(int type, uint64_t bits) const {
 
 void ValueState::invalidateCache() { mCacheTag.store(nextGeneration(mCacheTag.load())); }
 
-// Every typed read: the type check, then the conversion of the text under a shared lock. A text
-// that does not convert (possible only for untyped values or texts stored unchecked) is thrown
-// by the conversion as a ValidationException, since no error list is given, on every read: only
-// successful conversions are cached.
+// Every typed read: the type check, then the cached conversion when the cache holds the first
+// text converted for this type and the tag reads the same before and after the bits (a
+// publication or invalidation in between changes the generation). Otherwise the text is converted
+// under a shared lock. A text that does not convert (possible only for untyped values or texts
+// stored unchecked) is thrown by the conversion as a ValidationException, since no error list is
+// given, on every read: only successful conversions are cached.
 template <typename T>
 T ValueState::readTyped(int type, T (*conversion)(const char*, ValidationErrors*),
                         size_t index) const {
-  validateValueType(type);
-  uint64_t bits;
-  if (index == 0 && readCache(type, bits)) {
-    return fromBits<T>(bits);
+  if (mValueType != type && mValueType != UNTYPED) {
+    throwInvalidType(type);
   }
+  if (index == 0) {
+    const uint64_t tag = mCacheTag.load();
+    if ((tag & CACHE_KEY_MASK) == cacheKey(type)) {
+      const uint64_t bits = mCacheBits.load();
+      if (mCacheTag.load() == tag) {
+        return fromBits<T>(bits);
+      }
+    }
+  }
+  return readConverted(type, conversion, index);
+}
+
+template <typename T>
+__attribute__((noinline)) T ValueState::readConverted(
+    int type, T (*conversion)(const char*, ValidationErrors*), size_t index) const {
   ReadGuard lock(mMutex);
   const T value = conversion(textAt(index).c_str(), 0);
   if (index == 0) {

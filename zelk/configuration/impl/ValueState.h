@@ -66,7 +66,7 @@ public:
   // The bound parameter reference, or null.
   const ParameterRef* getParameterRef() const;
   // The parameter's value type, or UNTYPED.
-  int getValueType() const;
+  int getValueType() const { return mValueType; }
   const char* getValueTypeName() const;
   bool isDefaultValue() const { return mDefaultParameter != 0; }
   size_t getValueCount() const;
@@ -126,7 +126,12 @@ public:
   // Throws "'%s' is a default value, it cannot be modified" for a default value holding texts.
   void checkWritable() const;
 
+protected:
+  void bindingChanged() override;
+
 private:
+  // The value type derived from the default parameter or the binding.
+  int findValueType() const;
   // Type check, writability check and the store of a converted typed value.
   void addTyped(int type, const std::string& text);
   void setTyped(size_t index, int type, const std::string& text);
@@ -138,8 +143,9 @@ private:
   // The typed read of text index by conversion, through the cache for index 0.
   template <typename T>
   T readTyped(int type, T (*conversion)(const char*, ValidationErrors*), size_t index) const;
-  // Whether the cache holds the first text converted for type; sets bits when it does.
-  bool readCache(int type, uint64_t& bits) const;
+  // The same read when the cache does not answer: the conversion under the shared lock.
+  template <typename T>
+  T readConverted(int type, T (*conversion)(const char*, ValidationErrors*), size_t index) const;
   // Publishes bits as the first text converted for type; the caller holds mMutex shared (so no
   // writer runs). Does nothing while another reader publishes.
   void fillCache(int type, uint64_t bits) const;
@@ -148,6 +154,9 @@ private:
 
   mutable StateMutex mMutex;
   const Parameter* mDefaultParameter;
+  // getValueType(), kept so that a typed read does not walk to the parameter; set with the
+  // binding, which is set while a tree is built and read afterwards.
+  int mValueType;
   std::vector<std::string> mTexts;
   // The converted first text, published without a lock, seqlock-style: bit 0 of mCacheTag says
   // it is valid, bit 1 that a reader is publishing, bits 2-7 hold the type code plus one, and the
