@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstdint>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -196,6 +197,43 @@ TEST_F(ValueConcurrencyTest, ConcurrentAppendsToOneValueLoseNothing) {
   EXPECT_EQ("", runTogether({appender, appender, counter}));
   EXPECT_EQ(1u, group.getItemCount());
   EXPECT_EQ(static_cast<size_t>(1 + 2 * ITERATIONS), group.findValueBase("v")->getValueCount());
+}
+
+// Typed reads of a value whose text a writer keeps raising, through every conversion: the value is
+// untyped, so integer and floating-point reads alternate on one state and its converted-value
+// cache. Each reader must see whole numbers that never go back, and the last one once the writer
+// stops.
+TEST_F(ValueConcurrencyTest, TypedReadsFollowAWriterWithoutTornOrStaleValues) {
+  const int64_t last = 4 * ITERATIONS;
+  ValueGroup group("g");
+  Value number = group.addValue("n", "0");
+  auto writer = [&] {
+    for (int64_t i = 1; i <= last; ++i) {
+      number.set(std::to_string(i).c_str());
+    }
+  };
+  auto reader = [&](bool alternate) {
+    return [&, alternate] {
+      const Value held = group.getValue("n");
+      double seen = 0;
+      for (int i = 0; i < 4 * ITERATIONS; ++i) {
+        const bool integral = !alternate || i % 2 == 0;
+        const double read = integral ? static_cast<double>(held.asInt64()) : held.asDouble();
+        if (read < seen || read > static_cast<double>(last) || read != static_cast<int64_t>(read)) {
+          throw std::runtime_error("read " + std::to_string(read) + " after " +
+                                   std::to_string(seen));
+        }
+        seen = read;
+        if (i % 64 == 0 && group.getValue("n").asUInt32() > static_cast<uint32_t>(last)) {
+          throw std::runtime_error("by name out of range");
+        }
+      }
+    };
+  };
+  EXPECT_EQ("", runTogether({writer, reader(true), reader(false), reader(true)}));
+  EXPECT_EQ(last, number.asInt64());
+  EXPECT_EQ(static_cast<double>(last), number.asDouble());
+  EXPECT_EQ(static_cast<uint32_t>(last), group.getValue("n").asUInt32());
 }
 
 }  // namespace

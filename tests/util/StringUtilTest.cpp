@@ -7,6 +7,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "zelk/util/CaseInsensitiveHash.h"
+
 namespace zelk {
 namespace {
 
@@ -168,6 +170,40 @@ TEST(StringUtilTest, ConvertsSingleCharactersIntoADestination) {
               const unsigned int s[] = {0x41, 0};
               StringUtil::toUtf8(s, nullptr, false);
             }));
+}
+
+}  // namespace
+}  // namespace zelk
+
+namespace zelk {
+namespace {
+
+// Every byte at every position of names around the 8-byte word size, against a byte-at-a-time
+// reference: equal (and hashed alike) exactly when equal after folding 'A'..'Z' only.
+TEST(CaseInsensitiveHashTest, AgreesWithByteWiseFolding) {
+  auto fold = [](unsigned char c) { return c >= 'A' && c <= 'Z' ? c + 32 : c; };
+  for (size_t length : {1, 7, 8, 9, 17}) {
+    for (size_t at = 0; at < length; ++at) {
+      for (int c = 1; c < 256; ++c) {
+        std::string a(length, 'q');
+        std::string b = a;
+        a[at] = static_cast<char>(c);
+        for (int d : {c, static_cast<int>(fold(static_cast<unsigned char>(c))), c ^ 0x20, c ^ 0x80}) {
+          if (d == 0 || d > 255) continue;
+          b[at] = static_cast<char>(d);
+          const bool same = fold(static_cast<unsigned char>(c)) == fold(static_cast<unsigned char>(d));
+          ASSERT_EQ(caseInsensitiveEqual(a.c_str(), b.c_str()), same) << c << ' ' << d << ' ' << at;
+          if (same) {
+            ASSERT_EQ(caseInsensitiveHash(a.c_str()), caseInsensitiveHash(b.c_str()));
+          }
+        }
+      }
+    }
+  }
+  EXPECT_FALSE(caseInsensitiveEqual("name", "names"));
+  EXPECT_FALSE(caseInsensitiveEqual("name", 0));
+  EXPECT_TRUE(caseInsensitiveEqual(0, 0));
+  EXPECT_NE(caseInsensitiveHash("retries"), caseInsensitiveHash("retriez"));
 }
 
 }  // namespace

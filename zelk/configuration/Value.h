@@ -1,7 +1,8 @@
 // Value: a handle on a bounded (single) value of a value tree.
 //
-// Values are kept as texts and converted on every typed read; a read in a type other than the
-// bound parameter's throws ConfigurationException "This value is not an int32" and the like.
+// Values are kept as texts and converted on typed reads (a successful conversion is kept until the
+// value changes; a failed one is reported on every read); a read in a type other than the bound
+// parameter's throws ConfigurationException "This value is not an int32" and the like.
 // Get one from ValueGroup::getValue (Value::Null when absent) or make one with Value::create.
 //
 //   zelk::configuration::Value port = values.getValue("port");

@@ -2,7 +2,8 @@
 //
 // A value is a named list of texts, optionally bound to the ParameterRef it satisfies; the bound
 // parameter's value type decides which texts are accepted and which typed reads are allowed.
-// Texts are converted on every typed read. You get values from a ValueGroup (getValue,
+// Texts are converted on typed reads; the conversion of the first text is kept until the value
+// changes, so reading a held value again is cheap. You get values from a ValueGroup (getValue,
 // getUnboundedValue, addValue) or make them with Value::create / UnboundedValue::create.
 //
 //   zelk::configuration::UnboundedValue paths = group.getUnboundedValue("paths");

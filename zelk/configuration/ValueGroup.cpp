@@ -1,5 +1,7 @@
 #include "zelk/configuration/ValueGroup.h"
 
+#include <utility>
+
 #include "zelk/configuration/ConfigurationException.h"
 #include "zelk/configuration/Container.h"
 #include "zelk/configuration/ListenerArguments.h"
@@ -222,7 +224,7 @@ void ValueGroup::unexpectedType(const char* name, ValidationErrors* errors,
 
 Value ValueGroup::getValue(const char* name, ValidationErrors* errors, bool useDefault) const {
   const impl::ValueGroupState& state = getGroupState();
-  const boost::shared_ptr<impl::ValueItemState> item = state.findItem(name);
+  boost::shared_ptr<impl::ValueItemState> item = state.findItem(name);
   if (!item) {
     return useDefault ? state.getDefaultValueFor(name) : Value::Null;
   }
@@ -233,13 +235,15 @@ Value ValueGroup::getValue(const char* name, ValidationErrors* errors, bool useD
   const GroupItem* groupItem = item->getGroupItem();
   // The one flag also decides whether unmatched values are seen; the two effects stay tied.
   if (groupItem == 0) {
-    return useDefault ? Value(boost::static_pointer_cast<impl::ValueState>(item)) : Value::Null;
+    return useDefault ? Value(boost::static_pointer_cast<impl::ValueState>(std::move(item)))
+                      : Value::Null;
   }
   if (groupItem->isUnbounded()) {
     reportNotBounded(name, errors);
     return Value::Null;
   }
-  return Value(boost::static_pointer_cast<impl::ValueState>(item));
+  // The found pointer is handed on, not copied: a look-up by name costs no reference count.
+  return Value(boost::static_pointer_cast<impl::ValueState>(std::move(item)));
 }
 
 UnboundedValue ValueGroup::getUnboundedValue(const char* name, ValidationErrors* errors,

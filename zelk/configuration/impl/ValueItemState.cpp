@@ -5,6 +5,7 @@
 #include "zelk/configuration/GroupItem.h"
 #include "zelk/configuration/impl/InstanceIds.h"
 #include "zelk/configuration/impl/ValueGroupState.h"
+#include "zelk/util/CaseInsensitiveHash.h"
 #include "zelk/util/Contracts.h"
 
 namespace zelk::configuration::impl {
@@ -15,8 +16,6 @@ const char* const ITEM_TYPE_NAMES[] = {"bounded value", "unbounded value", "boun
                                        "unbounded value group"};
 
 std::atomic<uint64_t> gRenameGeneration(0);
-
-char toLowerAscii(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; }
 
 }  // namespace
 
@@ -55,6 +54,7 @@ void ValueItemState::reset() {
   mGroupItem = 0;
   mParent.reset();
   noteRename(before);
+  bindingChanged();
 }
 
 const char* ValueItemState::getName() const {
@@ -83,6 +83,7 @@ void ValueItemState::setGroupItem(const GroupItem* groupItem) {
   const char* before = getName();
   mGroupItem = groupItem;
   noteRename(before);
+  bindingChanged();
 }
 
 const char* ValueItemState::getItemTypeName(ValueGroupItem::ItemType type) {
@@ -102,15 +103,7 @@ void ValueItemState::noteRename(const char* before) const {
 }
 
 bool ValueItemState::namesEqual(const char* a, const char* b) {
-  if (a == 0 || b == 0) {
-    return a == b;
-  }
-  for (; *a != '\0' && *b != '\0'; ++a, ++b) {
-    if (toLowerAscii(*a) != toLowerAscii(*b)) {
-      return false;
-    }
-  }
-  return *a == *b;
+  return caseInsensitiveEqual(a, b);
 }
 
 }  // namespace zelk::configuration::impl

@@ -66,6 +66,8 @@ public:
 protected:
   // Counts a rename when the effective name moved from before to a different name.
   void noteRename(const char* before) const;
+  // Called after the binding changed (setGroupItem, reset), for what a subclass derives from it.
+  virtual void bindingChanged() {}
 
   uint32_t mInstanceId;
   std::string mName;

@@ -1,6 +1,8 @@
 #include "zelk/configuration/impl/ValueState.h"
 
+#include <cstring>
 #include <string>
+#include <type_traits>
 
 #include "zelk/configuration/ConfigurationException.h"
 #include "zelk/configuration/EnumDefinition.h"
@@ -52,18 +54,62 @@ std::string allowedSymbols(const EnumDefinition& enumDef) {
   return list;
 }
 
+const uint64_t CACHE_VALID = 1;
+const uint64_t CACHE_BUSY = 2;
+const uint64_t CACHE_KEY_MASK = 0xFF;
+const uint64_t CACHE_GENERATION = 0x100;
+
+// The low byte of a valid tag for a conversion to type.
+uint64_t cacheKey(int type) { return (static_cast<uint64_t>(type + 1) << 2) | CACHE_VALID; }
+
+// The next generation after tag, with nothing else set.
+uint64_t nextGeneration(uint64_t tag) { return (tag & ~CACHE_KEY_MASK) + CACHE_GENERATION; }
+
+template <typename T>
+uint64_t toBits(const T& value) {
+  static_assert(sizeof(T) <= sizeof(uint64_t) && std::is_trivially_copyable<T>::value,
+                "a cached value fits one word");
+  uint64_t bits = 0;
+  std::memcpy(&bits, &value, sizeof(T));
+  return bits;
+}
+
+template <typename T>
+T fromBits(uint64_t bits) {
+  T value;
+  std::memcpy(static_cast<void*>(&value), &bits, sizeof(T));
+  return value;
+}
+
 }  // namespace
 
-ValueState::ValueState(const char* name) : ValueItemState(name), mDefaultParameter(0) {}
+ValueState::ValueState(const char* name)
+    : ValueItemState(name),
+      mDefaultParameter(0),
+      mValueType(UNTYPED),
+      mCacheTag(0),
+      mCacheBits(0) {}
 
 ValueState::ValueState(const GroupItem* groupItem)
-    : ValueItemState(groupItem), mDefaultParameter(0) {}
+    : ValueItemState(groupItem),
+      mDefaultParameter(0),
+      mValueType(findValueType()),
+      mCacheTag(0),
+      mCacheBits(0) {}
 
 ValueState::ValueState(const Parameter* parameter)
-    : ValueItemState(parameterId(parameter)), mDefaultParameter(parameter) {}
+    : ValueItemState(parameterId(parameter)),
+      mDefaultParameter(parameter),
+      mValueType(findValueType()),
+      mCacheTag(0),
+      mCacheBits(0) {}
 
 ValueState::ValueState(const ValueState& other, int shallow)
-    : ValueItemState(other), mDefaultParameter(other.mDefaultParameter) {
+    : ValueItemState(other),
+      mDefaultParameter(other.mDefaultParameter),
+      mValueType(other.mValueType),
+      mCacheTag(0),
+      mCacheBits(0) {
   if (shallow == 0) {
     ReadGuard lock(other.mMutex);
     mTexts = other.mTexts;
@@ -135,10 +181,12 @@ const Parameter* ValueState::getParameter() const {
   return ref != 0 ? ref->getParameter() : 0;
 }
 
-int ValueState::getValueType() const {
+int ValueState::findValueType() const {
   const Parameter* parameter = getParameter();
   return parameter != 0 ? static_cast<int>(parameter->getValueType()) : UNTYPED;
 }
+
+void ValueState::bindingChanged() { mValueType = findValueType(); }
 
 const char* ValueState::getValueTypeName() const { return typeNameOf(getValueType()); }
 
@@ -166,13 +214,57 @@ const std::string& ValueState::textAt(size_t index) const {
   return mTexts[index];
 }
 
-// Every typed read: the type check, then the conversion of the text under a shared lock. A text
-// that does not convert (possible only for untyped values or texts stored unchecked) is thrown
-// by the conversion as a ValidationException, since no error list is given.
-#define ZELK_VALUE_READ(TYPE, CONVERSION)           \
-  validateValueType(TYPE);                          \
-  ReadGuard lock(mMutex);                           \
-  return Convert::CONVERSION(textAt(index).c_str(), 0)
+void ValueState::fillCache(int type, uint64_t bits) const {
+  uint64_t tag = mCacheTag.load();
+  if ((tag & CACHE_BUSY) != 0) {
+    return;
+  }
+  const uint64_t generation = nextGeneration(tag);
+  if (!mCacheTag.compare_exchange_strong(tag, generation | CACHE_BUSY)) {
+    return;
+  }
+  mCacheBits.store(bits);
+  mCacheTag.store(generation | cacheKey(type));
+}
+
+void ValueState::invalidateCache() { mCacheTag.store(nextGeneration(mCacheTag.load())); }
+
+// Every typed read: the type check, then the cached conversion when the cache holds the first
+// text converted for this type and the tag reads the same before and after the bits (a
+// publication or invalidation in between changes the generation). Otherwise the text is converted
+// under a shared lock. A text that does not convert (possible only for untyped values or texts
+// stored unchecked) is thrown by the conversion as a ValidationException, since no error list is
+// given, on every read: only successful conversions are cached.
+template <typename T>
+T ValueState::readTyped(int type, T (*conversion)(const char*, ValidationErrors*),
+                        size_t index) const {
+  if (mValueType != type && mValueType != UNTYPED) {
+    throwInvalidType(type);
+  }
+  if (index == 0) {
+    const uint64_t tag = mCacheTag.load();
+    if ((tag & CACHE_KEY_MASK) == cacheKey(type)) {
+      const uint64_t bits = mCacheBits.load();
+      if (mCacheTag.load() == tag) {
+        return fromBits<T>(bits);
+      }
+    }
+  }
+  return readConverted(type, conversion, index);
+}
+
+template <typename T>
+__attribute__((noinline)) T ValueState::readConverted(
+    int type, T (*conversion)(const char*, ValidationErrors*), size_t index) const {
+  ReadGuard lock(mMutex);
+  const T value = conversion(textAt(index).c_str(), 0);
+  if (index == 0) {
+    fillCache(type, toBits(value));
+  }
+  return value;
+}
+
+#define ZELK_VALUE_READ(TYPE, CONVERSION) return readTyped(TYPE, &Convert::CONVERSION, index)
 
 bool ValueState::asBool(size_t index) const { ZELK_VALUE_READ(Parameter::BOOL, asBool); }
 
@@ -291,6 +383,7 @@ void ValueState::add(const char* text) {
   errors.throwIfErrors();
   UpgradeGuard::Exclusive exclusive(lock);
   mTexts.push_back(text != 0 ? text : "");
+  invalidateCache();
 }
 
 void ValueState::addTyped(int type, const std::string& text) {
@@ -299,6 +392,7 @@ void ValueState::addTyped(int type, const std::string& text) {
   validateValueType(type);
   UpgradeGuard::Exclusive exclusive(lock);
   mTexts.push_back(text);
+  invalidateCache();
 }
 
 void ValueState::add(bool value) { addTyped(Parameter::BOOL, Convert::asString(value)); }
@@ -318,6 +412,7 @@ void ValueState::set(size_t index, const char* text) {
   errors.throwIfErrors();
   UpgradeGuard::Exclusive exclusive(lock);
   mTexts[index] = text != 0 ? text : "";
+  invalidateCache();
 }
 
 void ValueState::setTyped(size_t index, int type, const std::string& text) {
@@ -327,6 +422,7 @@ void ValueState::setTyped(size_t index, int type, const std::string& text) {
   ZELK_CONTRACT_MESSAGE(index < mTexts.size(), "index out of range");
   UpgradeGuard::Exclusive exclusive(lock);
   mTexts[index] = text;
+  invalidateCache();
 }
 
 void ValueState::set(size_t index, bool value) {
@@ -354,6 +450,7 @@ void ValueState::set(size_t index, const ObjectId& value) {
 void ValueState::addNoTypeCheck(const char* text) {
   WriteGuard lock(mMutex);
   mTexts.push_back(text != 0 ? text : "");
+  invalidateCache();
 }
 
 void ValueState::append(const ValueState& other) {
@@ -369,6 +466,7 @@ void ValueState::append(const ValueState& other) {
   const std::vector<std::string> texts = other.getTexts();
   WriteGuard lock(mMutex);
   mTexts.insert(mTexts.end(), texts.begin(), texts.end());
+  invalidateCache();
 }
 
 boost::shared_ptr<ValueState> ValueState::saveOldValue(size_t index) const {

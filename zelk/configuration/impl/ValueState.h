@@ -1,14 +1,16 @@
 // ValueState: the shared state behind Value and UnboundedValue handles: the texts of one value.
 //
-// Values are stored as texts and converted by Convert on every typed read; typed writes are
-// converted to text first. Readers take the state's mutex shared; writers take it upgradable for
-// their checks (so validation does not block readers) and exclusive only for the store. A failed
-// write leaves the texts unchanged.
+// Values are stored as texts and converted by Convert on typed reads; typed writes are converted to
+// text first. Readers take the state's mutex shared; writers take it upgradable for their checks
+// (so validation does not block readers) and exclusive only for the store. A failed write leaves
+// the texts unchanged. The last typed read of the first text is kept converted (see mCacheTag), so
+// that reading an unchanged value again neither converts nor locks.
 //
 //   boost::shared_ptr<impl::ValueState> state = impl::ValueState::create(ref, "42");
 //   state->asInt32(0);   // 42
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -64,7 +66,7 @@ public:
   // The bound parameter reference, or null.
   const ParameterRef* getParameterRef() const;
   // The parameter's value type, or UNTYPED.
-  int getValueType() const;
+  int getValueType() const { return mValueType; }
   const char* getValueTypeName() const;
   bool isDefaultValue() const { return mDefaultParameter != 0; }
   size_t getValueCount() const;
@@ -124,7 +126,12 @@ public:
   // Throws "'%s' is a default value, it cannot be modified" for a default value holding texts.
   void checkWritable() const;
 
+protected:
+  void bindingChanged() override;
+
 private:
+  // The value type derived from the default parameter or the binding.
+  int findValueType() const;
   // Type check, writability check and the store of a converted typed value.
   void addTyped(int type, const std::string& text);
   void setTyped(size_t index, int type, const std::string& text);
@@ -133,10 +140,32 @@ private:
   void checkWritableLocked() const;
   [[noreturn]] void throwInvalidType(int requested) const;
   const std::string& textAt(size_t index) const;
+  // The typed read of text index by conversion, through the cache for index 0.
+  template <typename T>
+  T readTyped(int type, T (*conversion)(const char*, ValidationErrors*), size_t index) const;
+  // The same read when the cache does not answer: the conversion under the shared lock.
+  template <typename T>
+  T readConverted(int type, T (*conversion)(const char*, ValidationErrors*), size_t index) const;
+  // Publishes bits as the first text converted for type; the caller holds mMutex shared (so no
+  // writer runs). Does nothing while another reader publishes.
+  void fillCache(int type, uint64_t bits) const;
+  // Drops the cached conversion; the caller holds mMutex exclusively, after changing the texts.
+  void invalidateCache();
 
   mutable StateMutex mMutex;
   const Parameter* mDefaultParameter;
+  // getValueType(), kept so that a typed read does not walk to the parameter; set with the
+  // binding, which is set while a tree is built and read afterwards.
+  int mValueType;
   std::vector<std::string> mTexts;
+  // The converted first text, published without a lock, seqlock-style: bit 0 of mCacheTag says
+  // it is valid, bit 1 that a reader is publishing, bits 2-7 hold the type code plus one, and the
+  // bits above a generation that grows with every publication and invalidation. A lock-free
+  // reader takes mCacheBits only when the tag reads the same before and after it, so it never
+  // mixes the bits of one publication with the tag of another. Publishing happens under the
+  // shared lock and invalidation under the exclusive lock, so a writer never races a publisher.
+  mutable std::atomic<uint64_t> mCacheTag;
+  mutable std::atomic<uint64_t> mCacheBits;
 };
 
 }  // namespace zelk::configuration::impl

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "zelk/configuration/impl/XmlValueTreeBuilder.h"
 #include "zelk/host/XmlTokenReader.h"
 
 namespace zelk::configuration::impl {
@@ -19,39 +20,48 @@ XmlFileLoader::XmlFileLoader(zelk::host::XmlTokenReader& reader)
     : mReader(reader), mName(PROBE_SIZE), mText(PROBE_SIZE) {}
 
 ValueGroup XmlFileLoader::loadElement() {
-  ValueGroup element;
-  if (!loadElement(element)) {
+  XmlValueDocument document;
+  if (!loadElement(document)) {
     return ValueGroup::Null;
   }
-  return element;
+  return XmlValueTreeBuilder::build(document, 0);
 }
 
 ValueGroup XmlFileLoader::loadDocument() {
-  ValueGroup root = loadElement();
-  if (root.isNull()) {
-    return root;
+  XmlValueDocument document;
+  if (!loadDocument(document)) {
+    return ValueGroup::Null;
+  }
+  return XmlValueTreeBuilder::build(document, 0);
+}
+
+bool XmlFileLoader::loadDocument(XmlValueDocument& out) {
+  XmlValueDocument document;
+  if (!loadElement(document)) {
+    return false;
   }
   // A second root element or stray text after the first would otherwise be dropped unseen.
   if (!mReader.skipComments() || !mReader.atEnd()) {
-    fail("end of document");
-    return ValueGroup::Null;
+    return fail("end of document");
   }
-  return root;
+  out.swap(document);
+  return true;
 }
 
-bool XmlFileLoader::loadElement(ValueGroup& out) {
+bool XmlFileLoader::loadElement(XmlValueDocument& out) {
   if (!mReader.skipComments() || !mReader.acceptToken("<")) {
     return fail("<");
   }
-  // The buffers are shared by every level: the element's name is kept in its group and its closing
-  // tag before any child is read.
+  // The buffers are shared by every level: the element's name is kept in the document and its
+  // closing tag before any attribute or child is read.
   if (!readName(mName.data(), "an element name")) {
     return false;
   }
   if (!mReader.enterElement()) {
     return fail(0);
   }
-  ValueGroup element(mName.data());
+  out.startElement(mName.data());
+  const std::string closingTag = std::string("</") + mName.data() + ">";
   while (!mReader.atToken("/>") && !mReader.atToken(">")) {
     if (!readName(mName.data(), "an attribute name, \">\" or \"/>\"")) {
       return false;
@@ -62,11 +72,10 @@ bool XmlFileLoader::loadElement(ValueGroup& out) {
     if (!readValue(mText.data(), mName.data())) {
       return false;
     }
-    element.addValue(mName.data(), mText.data());
+    out.addAttribute(mName.data(), mText.data());
   }
   if (!mReader.acceptToken("/>")) {
     mReader.acceptToken(">");
-    const std::string closingTag = std::string("</") + element.getName() + ">";
     for (;;) {
       if (!mReader.skipComments()) {
         return fail(0);
@@ -74,15 +83,13 @@ bool XmlFileLoader::loadElement(ValueGroup& out) {
       if (mReader.acceptToken(closingTag.c_str())) {
         break;
       }
-      ValueGroup child;
-      if (!loadElement(child)) {
+      if (!loadElement(out)) {
         return false;
       }
-      element.add(child);
     }
   }
   mReader.leaveElement();
-  out = element;
+  out.endElement();
   return true;
 }
 

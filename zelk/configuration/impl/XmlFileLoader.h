@@ -1,6 +1,7 @@
 // XmlFileLoader: reads one element of an XML value file, with its attributes and child elements,
-// into a value group: the element's name (prefix included) names the group, each attribute becomes
-// a value, each child element a child group, in document order. Comments are skipped.
+// into a document (XmlValueDocument) or a value group: the element's name (prefix included) names
+// the group, each attribute becomes a value, each child element a child group, in document order.
+// Comments are skipped.
 //
 //   zelk::host::XmlTokenReader reader;
 //   if (reader.openFile(path)) {
@@ -15,6 +16,7 @@
 #include <vector>
 
 #include "zelk/configuration/ValueGroup.h"
+#include "zelk/configuration/impl/XmlValueDocument.h"
 
 namespace zelk::host {
 class XmlTokenReader;
@@ -34,6 +36,8 @@ public:
   ValueGroup loadElement();
   // The whole document: its one root element with nothing but comments after it.
   ValueGroup loadDocument();
+  // The whole document into out, which is left as it was after an error (false).
+  bool loadDocument(XmlValueDocument& out);
   // The error met, naming its line and column; empty when there was none.
   const std::string& getMessage() const { return mMessage; }
 
@@ -43,7 +47,7 @@ private:
 
   // Loads one element into out; false after an error. Nesting is bounded by the reader's element
   // depth, so no file can exhaust the stack.
-  bool loadElement(ValueGroup& out);
+  bool loadElement(XmlValueDocument& out);
   // Reads a name (not a quoted text) into buffer; false after an error.
   bool readName(char* buffer, const char* expected);
   // Reads an attribute's value into buffer; false after an error.

@@ -6,8 +6,8 @@
 #include "zelk/configuration/ValidationErrors.h"
 #include "zelk/configuration/impl/SpecificationMatcher.h"
 #include "zelk/configuration/impl/SpecificationValuesFinder.h"
-#include "zelk/configuration/impl/UnboundedParameterValueFixer.h"
 #include "zelk/configuration/impl/XmlFileLoader.h"
+#include "zelk/configuration/impl/XmlValueTreeBuilder.h"
 #include "zelk/host/XmlTokenReader.h"
 
 namespace zelk::configuration::impl {
@@ -16,8 +16,10 @@ namespace zelk::configuration::impl {
 XmlFileValueProviderImpl::XmlFileValueProviderImpl(int priority, const std::string&)
     : ValueProviderImpl(ConfigurationManager::XML_FILE_PROVIDER_NAME, priority,
                         ConfigurationManager::XML_FILE_PROVIDER_NAME),
-      mValues(ConfigurationManager::XML_FILE_PROVIDER_NAME),
-      mFixed(false) {}
+      mFixed(false) {
+  mDocument.startElement(ConfigurationManager::XML_FILE_PROVIDER_NAME);
+  mDocument.endElement();
+}
 
 XmlFileValueProviderImpl::~XmlFileValueProviderImpl() {}
 
@@ -28,14 +30,15 @@ void XmlFileValueProviderImpl::setArguments(const char* path, int) {
     throw ConfigurationException("File \"%s\" was not found", mXmlFilePath.c_str());
   }
   XmlFileLoader loader(reader);
-  ValueGroup loaded = loader.loadDocument();
-  if (loaded.isNull()) {
+  XmlValueDocument loaded;
+  if (!loader.loadDocument(loaded)) {
     // The message quotes the file's content, so it is added as a text without arguments.
     ValidationErrors errors;
     errors.addErrorAsFormat(loader.getMessage().c_str());
     errors.throwIfErrors();
   }
-  mValues = loaded;
+  mDocument.swap(loaded);
+  mValues = ValueGroup::Null;
   mFixed = false;
 }
 
@@ -50,8 +53,9 @@ void XmlFileValueProviderImpl::setArguments(int argc, const char* const* argv, c
 ValueGroup XmlFileValueProviderImpl::getSpecificationValues(const Specification& spec, int) const {
   if (!mFixed) {
     // Rewritten once, for the first specification asked; later ones see this tree (on purpose).
-    mValues = UnboundedParameterValueFixer::fix(mValues, spec);
+    mValues = XmlValueTreeBuilder::build(mDocument, &spec);
     mFixed = true;
+    mDocument.clear();
   }
   if (mValues.isNull()) {
     return ValueGroup(&spec);

@@ -1,9 +1,10 @@
-// XmlFileValueProviderImpl: reads an XML value file into a generic value tree once, and answers
-// each specification with the matched part of it.
+// XmlFileValueProviderImpl: reads an XML value file once, and answers each specification with the
+// matched part of it.
 //
-// Parameters written as elements (the form used for values given several times) are rewritten
-// into plain values on the first request; the tree rewritten for that first specification is kept
-// for later ones on purpose.
+// The file is kept as a compact document until the first request, which turns it into a value
+// tree, rewriting parameters written as elements (the form used for values given several times)
+// into plain values; the tree rewritten for that first specification is kept for later ones on
+// purpose, and the document is dropped.
 //
 //   XmlFileValueProviderImpl impl(3, "");
 //   impl.setArguments("/etc/backup/values.xml", 0);
@@ -14,6 +15,7 @@
 
 #include "zelk/configuration/ValueGroup.h"
 #include "zelk/configuration/impl/ValueProviderImpl.h"
+#include "zelk/configuration/impl/XmlValueDocument.h"
 
 namespace zelk::configuration::impl {
 
@@ -39,9 +41,12 @@ public:
   const char* getXmlFilePath() const { return mXmlFilePath.c_str(); }
 
 private:
-  // The tree read from the file; a group named "XML_FILE" before the first load.
+  // The file as read, until the first request turns it into mValues; before the first load, a
+  // document of one empty element named "XML_FILE".
+  mutable XmlValueDocument mDocument;
+  // The tree rewritten for the first request.
   mutable ValueGroup mValues;
-  // True once parameter elements of mValues were rewritten.
+  // True once mValues was built from mDocument.
   mutable bool mFixed;
   std::string mXmlFilePath;
 };
