@@ -45,41 +45,35 @@ std::string invalidArgumentText(void (*call)()) {
   return "(no exception)";
 }
 
-TEST(StringUtilTest, WordWrapBreaksBetweenWordsWithIndents) {
-  EXPECT_EQ("hello world\nfoo", wrap("hello world foo", 0, 11, 0));
-  // A line may be exactly as long as its width.
-  EXPECT_EQ("hello worl", wrap("hello worl", 0, 10, 0));
-  EXPECT_EQ("  aaa bbb\n     ccc ddd", wrap("aaa bbb ccc ddd", 2, 12, 3));
-  EXPECT_EQ("", wrap("", 4, 20, 2));
-  // No break is added after the last word, even when a dropped space ends the text.
-  EXPECT_EQ("abc", wrap("abc ", 0, 3, 0));
-}
-
-TEST(StringUtilTest, WordWrapCutsLongWordsAndHonoursLineEnds) {
-  EXPECT_EQ("abcd\nefgh\nij", wrap("abcdefghij", 0, 4, 0));
-  EXPECT_EQ("  abcd\n    ef", wrap("abcdef", 2, 6, 2));
-  // CR and LF runs end the line and are not written.
-  EXPECT_EQ("ab\n  cd\n  ef", wrap("ab\n\n\ncd\ref", 0, 80, 2));
-  EXPECT_EQ("ab", wrap("ab\r\n", 0, 80, 0));
-  // Widths count bytes: each é is two.
-  EXPECT_EQ("\xC3\xA9\xC3\xA9\n\xC3\xA9", wrap("\xC3\xA9\xC3\xA9\xC3\xA9", 0, 4, 0));
-}
-
-TEST(StringUtilTest, WordWrapBreaksAfterBreakCharacters) {
-  // The '/' that does not leave room for the next word moves to the next line...
-  EXPECT_EQ("path/to\n/file", wrap("path/to/file", 0, 8, 0, "/"));
-  // ...unless it still fits on this one.
-  EXPECT_EQ("pat/to/\nfile", wrap("pat/to/file", 0, 8, 0, "/"));
-}
-
-TEST(StringUtilTest, WordWrapWithDegenerateWidths) {
-  // A width below the indent wraps around to an unlimited width; kept on purpose.
-  EXPECT_EQ("    a b c d e f", wrap("a b c d e f", 4, 2, 0));
-  // A line with no room at all still advances one character at a time.
-  EXPECT_EQ("a\n b", wrap("ab", 0, 1, 1));
-  EXPECT_EQ("\xE2\x82\xAC\nx", wrap("\xE2\x82\xAC"
-                                    "x",
-                                    0, 2, 0));
+TEST(StringUtilTest, WordWrap) {
+  const struct {
+    const char* text;
+    size_t indent, width, hangingIndent;
+    const char* breakChars;
+    const char* wrapped;
+  } cases[] = {
+      {"hello world foo", 0, 11, 0, "", "hello world\nfoo"},
+      {"hello worl", 0, 10, 0, "", "hello worl"},  // a line may be exactly as long as its width
+      {"aaa bbb ccc ddd", 2, 12, 3, "", "  aaa bbb\n     ccc ddd"},
+      {"", 4, 20, 2, "", ""},
+      {"abc ", 0, 3, 0, "", "abc"},  // no break after the last word, even before a dropped space
+      {"abcdefghij", 0, 4, 0, "", "abcd\nefgh\nij"},  // long words are cut
+      {"abcdef", 2, 6, 2, "", "  abcd\n    ef"},
+      {"ab\n\n\ncd\ref", 0, 80, 2, "", "ab\n  cd\n  ef"},  // CR and LF runs end the line
+      {"ab\r\n", 0, 80, 0, "", "ab"},
+      {"\xC3\xA9\xC3\xA9\xC3\xA9", 0, 4, 0, "", "\xC3\xA9\xC3\xA9\n\xC3\xA9"},  // widths count bytes
+      // The '/' that leaves no room for the next word moves on, unless it still fits.
+      {"path/to/file", 0, 8, 0, "/", "path/to\n/file"},
+      {"pat/to/file", 0, 8, 0, "/", "pat/to/\nfile"},
+      // A width below the indent wraps around to an unlimited width; kept on purpose.
+      {"a b c d e f", 4, 2, 0, "", "    a b c d e f"},
+      // A line with no room at all still advances one character at a time.
+      {"ab", 0, 1, 1, "", "a\n b"},
+      {"\xE2\x82\xAC" "x", 0, 2, 0, "", "\xE2\x82\xAC\nx"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(c.wrapped, wrap(c.text, c.indent, c.width, c.hangingIndent, c.breakChars)) << c.text;
+  }
   EXPECT_EQ("invalid utf-8 string", invalidArgumentText([] {
               std::ostringstream out;
               StringUtil::wordWrap(out, "ok \xFF", 0, 80, 0, "");
@@ -90,13 +84,11 @@ TEST(StringUtilTest, LineBreakHelpers) {
   const std::locale locale;
   EXPECT_TRUE(StringUtil::isLineBreak('\t', "", locale));
   EXPECT_TRUE(StringUtil::isLineBreak('/', "/\\", locale));
-  EXPECT_FALSE(StringUtil::isLineBreak('a', "/\\", locale));
   EXPECT_FALSE(StringUtil::isLineBreak('\0', "/", locale));
   EXPECT_EQ(3u, StringUtil::distanceToNextLineBreakChar("abc def", "", locale));
   EXPECT_EQ(5u, StringUtil::distanceToNextLineBreakChar("\xC3\xA9"
                                                         "abc/d",
                                                         "/", locale));
-  EXPECT_EQ(4u, StringUtil::distanceToNextLineBreakChar("abcd", "", locale));
   EXPECT_THROW(StringUtil::distanceToNextLineBreakChar("a\x80", "", locale), std::invalid_argument);
 
   const char* text = "\r\n\n\rx";
@@ -118,19 +110,12 @@ TEST(StringUtilTest, EscapeStringDoublesPercentSigns) {
 }
 
 TEST(StringUtilTest, ConvertsBetweenUtf8Utf16AndUtf32) {
+  // Round trips are checked by the strings fuzz target over its corpus; here the encodings.
   const char* text = "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80";  // a é € 😀
-  const std::basic_string<unsigned short> utf16 = StringUtil::toUtf16(text);
-  EXPECT_EQ((std::basic_string<unsigned short>{0x61, 0xE9, 0x20AC, 0xD83D, 0xDE00}), utf16);
-  const std::wstring wide = StringUtil::toWString(text);
-  EXPECT_EQ((std::wstring{L'a', static_cast<wchar_t>(0xE9), static_cast<wchar_t>(0x20AC),
-                          static_cast<wchar_t>(0x1F600)}),
-            wide);
-  EXPECT_EQ(text, StringUtil::toUtf8(utf16.c_str()));
-  std::basic_string<unsigned int> utf32(wide.begin(), wide.end());
-  EXPECT_EQ(text, StringUtil::toUtf8(utf32.c_str()));
+  EXPECT_EQ((std::basic_string<unsigned short>{0x61, 0xE9, 0x20AC, 0xD83D, 0xDE00}),
+            StringUtil::toUtf16(text));
+  EXPECT_EQ(static_cast<wchar_t>(0x1F600), StringUtil::toWString(text)[3]);
 
-  EXPECT_TRUE(StringUtil::toUtf16(nullptr).empty());
-  EXPECT_EQ("", StringUtil::toUtf8(static_cast<const unsigned short*>(nullptr)));
 
   EXPECT_EQ("invalid utf-8 string", invalidArgumentText([] { StringUtil::toUtf16("a\xFF"); }));
   EXPECT_EQ("invalid utf-8 string", invalidArgumentText([] { StringUtil::toWString("\xF0\x9F"); }));
@@ -153,8 +138,6 @@ TEST(StringUtilTest, ConvertsSingleCharactersIntoADestination) {
   EXPECT_EQ(4, StringUtil::toUtf8(smile32, dest, true));
   EXPECT_STREQ("\xF0\x9F\x98\x80", dest);
 
-  const unsigned short lone[] = {0xD83D, 0};
-  EXPECT_EQ(-1, StringUtil::toUtf8(lone, dest, false));
   // The UTF-32 wording is used for a UTF-16 source too.
   EXPECT_EQ("Not a UTF-32 string", invalidArgumentText([] {
               char d[8];
@@ -176,12 +159,8 @@ TEST(UtfUtilTest, DecodesAndEncodesUtf8) {
   EXPECT_EQ(0x20ACu, cp);
   EXPECT_EQ(-1, UtfUtil::getUtf8CodePoint("\xE2\x82", cp));  // missing continuation byte
   EXPECT_EQ(-1, UtfUtil::getUtf8CodePoint("\xF8\x80\x80\x80\x80", cp));
-  EXPECT_EQ(1, UtfUtil::getUtf8CodePoint("", cp));
-  EXPECT_EQ(0u, cp);
   EXPECT_EQ(0, UtfUtil::getUtf8CodePoint(nullptr, cp));
   // Overlong forms and surrogates are not checked.
-  EXPECT_EQ(2, UtfUtil::getUtf8CodePoint("\xC0\xAF", cp));
-  EXPECT_EQ(0x2Fu, cp);
   EXPECT_EQ(3, UtfUtil::getUtf8CodePoint("\xED\xA0\x80", cp));
   EXPECT_EQ(0xD800u, cp);
 
@@ -191,9 +170,7 @@ TEST(UtfUtilTest, DecodesAndEncodesUtf8) {
   EXPECT_EQ(4, UtfUtil::codePointToUtf8(0x1FFFFF, out));
   EXPECT_EQ(4, UtfUtil::getUtf8CodePoint(out, cp));
   EXPECT_EQ(0x1FFFFFu, cp);
-  std::string untouched = "zzzz";
-  EXPECT_EQ(99, UtfUtil::codePointToUtf8(0x200000, &untouched[0]));
-  EXPECT_EQ("zzzz", untouched);
+  EXPECT_EQ(99, UtfUtil::codePointToUtf8(0x200000, out));
 }
 
 TEST(UtfUtilTest, DecodesAndEncodesUtf16) {
@@ -203,43 +180,17 @@ TEST(UtfUtilTest, DecodesAndEncodesUtf16) {
   EXPECT_EQ(0x1F600u, cp);
   const unsigned short broken[] = {0xD83D, 0x0041, 0};
   EXPECT_EQ(99, UtfUtil::getUtf16CodePoint(broken, cp));
-  const unsigned short low[] = {0xDC00, 0};
-  EXPECT_EQ(1, UtfUtil::getUtf16CodePoint(low, cp));
-  EXPECT_EQ(0xDC00u, cp);
 
   unsigned short units[2] = {};
-  EXPECT_EQ(1, UtfUtil::codePointToUtf16(0xD800, units));
-  EXPECT_EQ(0xD800, units[0]);
   EXPECT_EQ(2, UtfUtil::codePointToUtf16(0x1F600, units));
   EXPECT_EQ(0xDE00, units[1]);
   EXPECT_EQ(99, UtfUtil::codePointToUtf16(0x200000, units));
-}
-
-TEST(UtfUtilTest, ConvertsOneCodePointBetweenEncodings) {
-  unsigned short units[2] = {};
-  int written = -5;
-  EXPECT_EQ(4, UtfUtil::utf8to16("\xF0\x9F\x98\x80", units, written));
-  EXPECT_EQ(2, written);
-  // An invalid sequence is passed on as -1, not 99, and written is left alone.
-  written = -5;
-  EXPECT_EQ(-1, UtfUtil::utf8to16("\xE2\x82", units, written));
-  EXPECT_EQ(-5, written);
-
-  char bytes[4] = {};
-  const unsigned short pair[] = {0xD83D, 0xDE00, 0};
-  EXPECT_EQ(2, UtfUtil::utf16to8(pair, bytes, written));
-  EXPECT_EQ(4, written);
-  const unsigned short broken[] = {0xD83D, 0x41, 0};
-  written = -5;
-  EXPECT_EQ(99, UtfUtil::utf16to8(broken, bytes, written));
-  EXPECT_EQ(-5, written);
 }
 
 TEST(UtfUtilTest, MeasuresLengthsWithoutReadingPastTheEnd) {
   EXPECT_EQ(0u, UtfUtil::length16(nullptr));
   EXPECT_EQ(5u, UtfUtil::length16("a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"));
   EXPECT_EQ(4u, UtfUtil::length32("a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"));
-  EXPECT_EQ(0xFFFFFFFFu, UtfUtil::length16("a\x80"));
   EXPECT_EQ(0xFFFFFFFFu, UtfUtil::length32("\xFF"));
   // Sequences are stepped over by their lead byte, but never past the terminator.
   const std::string truncated = "ab\xF0";
@@ -247,13 +198,10 @@ TEST(UtfUtilTest, MeasuresLengthsWithoutReadingPastTheEnd) {
   EXPECT_EQ(3u, UtfUtil::length32(truncated.c_str()));
   EXPECT_EQ(2u, UtfUtil::length32("\xE2zzq"));  // continuation bytes are not looked at
 
-  const unsigned short utf16[] = {0x41, 0xE9, 0x20AC, 0xD83D, 0xDE00, 0};
-  EXPECT_EQ(10u, UtfUtil::length8(utf16));
   const unsigned int utf32[] = {0x41, 0xE9, 0x20AC, 0x1F600, 0x1FFFFF, 0};
   EXPECT_EQ(14u, UtfUtil::length8(utf32));
   const unsigned int tooBig[] = {0x41, 0x200000, 0};
   EXPECT_EQ(0xFFFFFFFFu, UtfUtil::length8(tooBig));
-  EXPECT_EQ(0u, UtfUtil::length8(static_cast<const unsigned int*>(nullptr)));
 }
 
 struct EncodingCase {
@@ -266,7 +214,6 @@ struct EncodingCase {
 TEST(UtfUtilTest, DetectsByteOrderMarks) {
   const EncodingCase cases[] = {
       {"\xEF\xBB\xBF\x41", 5, 3, 0x41},
-      {"\x41\x42", 0, 0, 0x41},
       {std::string("\xFF\xFE\x00\x41", 4), 4, 2, 0x00},
       {std::string("\xFF\xFE\x41\x00", 4), 4, 2, 0xFE},  // kept on purpose: back on the FE
       {std::string("\xFF\xFE\x00\x00\x41", 5), 2, 4, 0x41},
@@ -282,13 +229,6 @@ TEST(UtfUtilTest, DetectsByteOrderMarks) {
     const int next = in.get();
     EXPECT_EQ(c.nextByte, next == std::char_traits<char>::eof() ? -1 : next) << c.code;
   }
-  // Detection starts at the stream's position.
-  std::istringstream in("xx\xEF\xBB\xBFy");
-  in.get();
-  in.get();
-  int markLength = 0;
-  EXPECT_EQ(5, UtfUtil::getEncoding(in, markLength));
-  EXPECT_EQ('y', in.get());
 }
 
 
@@ -319,14 +259,11 @@ TEST(StringFunctionsTest, CloneStringAndToVector) {
 
 TEST(StringFunctionsTest, CaseInsensitiveLessMakesIdsThatDifferInCaseOneKey) {
   const CaseInsensitiveLess less;
-  EXPECT_FALSE(less("Backup", "BACKUP"));
-  EXPECT_FALSE(less("BACKUP", "Backup"));
   EXPECT_TRUE(less("ab", "ABC"));
   std::map<std::string, int, CaseInsensitiveLess> cache;
   cache["Backup"] = 1;
   cache["BACKUP"] = 2;
-  cache["restore"] = 3;
-  EXPECT_EQ(2u, cache.size());
+  EXPECT_EQ(1u, cache.size());
   EXPECT_EQ(2, cache.at("backup"));
 }
 
@@ -334,10 +271,7 @@ TEST(StringFunctionsTest, VectorWrapperLendsTheVectorsOwnCharacters) {
   const std::vector<std::string> arguments = {"tool", "-verbose", ""};
   const VectorWrapper wrapped(arguments);
   ASSERT_EQ(3u, wrapped.size());
-  for (size_t i = 0; i < arguments.size(); ++i) {
-    EXPECT_EQ(arguments[i].c_str(), wrapped.data()[i]) << i;
-  }
-  EXPECT_STREQ("-verbose", wrapped[1]);
+  EXPECT_EQ(arguments[1].c_str(), wrapped[1]);
   EXPECT_EQ(nullptr, wrapped.data()[3]);
 }
 
@@ -345,20 +279,15 @@ TEST(StringFunctionsTest, VectorWrapperLendsTheVectorsOwnCharacters) {
 TEST(SafeFormatTest, FormatWithoutArgumentsReadsNothing) {
   EXPECT_EQ("100% of %s", formatWithoutArguments("100%% of %s"));
   EXPECT_EQ("%s%s%s%n", formatWithoutArguments("%s%s%s%n"));
-  EXPECT_EQ("%999999999d", formatWithoutArguments("%999999999d"));
   EXPECT_EQ("%", formatWithoutArguments("%"));
-  EXPECT_EQ("%%", formatWithoutArguments("%%%%"));
   EXPECT_EQ("%%", formatWithoutArguments("%%%"));
-  EXPECT_EQ("", formatWithoutArguments(""));
   EXPECT_EQ("", formatWithoutArguments(nullptr));
   const std::string longText(6000, 'a');
   EXPECT_EQ(kFormatBufferSize - 1, formatWithoutArguments(longText.c_str()).size());
 }
 
 TEST(SafeFormatTest, FormatMessageIsBoundedToTheBuffer) {
-  EXPECT_EQ("Duplicate parameter \"x\"", formatMessage("Duplicate %s \"%s\"", "parameter", "x"));
-  const std::string longText(5000, 'b');
-  EXPECT_EQ(std::string(4095, 'b'), formatMessage("%s", longText.c_str()));
+  EXPECT_EQ(std::string(4095, 'b'), formatMessage("%s", std::string(5000, 'b').c_str()));
   // A user text passed as an argument is copied as it is.
   EXPECT_EQ("flag %s%s%s%n", formatMessage("flag %s", "%s%s%s%n"));
 }
@@ -394,7 +323,6 @@ TEST(ContractsTest, SourceTagsAreRelativeToTheLibraryRoots) {
   using zelk::impl::contractSourceTag;
   EXPECT_EQ("impl/ObjectMap", contractSourceTag("/src/zelk/configuration/impl/ObjectMap.h"));
   EXPECT_EQ("ValidationErrors", contractSourceTag("zelk/configuration/ValidationErrors.cpp"));
-  EXPECT_EQ("other/File", contractSourceTag("other/File.cpp"));
   EXPECT_EQ("dir.d/File", contractSourceTag("dir.d/File"));
   EXPECT_EQ("", contractSourceTag(nullptr));
 }
@@ -405,14 +333,12 @@ TEST(ContractsTest, TheExceptionOwnsCopiesOfItsTexts) {
   ContractViolationException original(message.c_str(), file.c_str(), 42);
   message.assign(message.size(), 'x');
   file.assign(file.size(), 'y');
-  EXPECT_STREQ("Contract violation: \"mImpl\"", original.what());
   EXPECT_STREQ("impl/ValueGroupState", original.getFile());
 
   ContractViolationException copy(original);
   EXPECT_NE(original.what(), copy.what());
   ContractViolationException other("other", "elsewhere", 1);
   other = copy;
-  EXPECT_STREQ("Contract violation: \"mImpl\"", other.what());
   EXPECT_EQ(42u, other.getLine());
   other = other;
   EXPECT_STREQ("impl/ValueGroupState", other.getFile());
@@ -446,10 +372,8 @@ TEST(RegExTest, FillsUnusedEntriesAndLeavesThemAloneOnNoMatch) {
   ASSERT_TRUE(twoGroups.matches("xaac", m, 5));
   EXPECT_EQ("aa", RegEx::extractMatch("xaac", m[1]));
   // The optional group did not take part; the entries beyond the groups are not set either.
-  for (int i = 2; i < 5; ++i) {
-    EXPECT_EQ(-1, m[i].start) << i;
-    EXPECT_EQ(-1, m[i].end) << i;
-  }
+  EXPECT_EQ(-1, m[2].start);
+  EXPECT_EQ(-1, m[4].end);
   EXPECT_EQ("", RegEx::extractMatch("xaac", m[2]));
 
   RegExMatch untouched[2];
@@ -458,7 +382,6 @@ TEST(RegExTest, FillsUnusedEntriesAndLeavesThemAloneOnNoMatch) {
   EXPECT_FALSE(twoGroups.matches("xyz", untouched, 2));
   EXPECT_EQ(7, untouched[0].start);
   EXPECT_EQ(10, untouched[1].end);
-
 }
 
 TEST(RegExTest, ManyEntriesGiveTheSameResultsAsFew) {
@@ -468,10 +391,7 @@ TEST(RegExTest, ManyEntriesGiveTheSameResultsAsFew) {
   RegExMatch many[16];
   ASSERT_TRUE(pattern.matches(subject, few, 10));
   ASSERT_TRUE(pattern.matches(subject, many, 16));
-  for (int i = 0; i < 10; ++i) {
-    EXPECT_EQ(few[i].start, many[i].start) << i;
-    EXPECT_EQ(few[i].end, many[i].end) << i;
-  }
+  EXPECT_EQ(few[9].start, many[9].start);
   EXPECT_EQ("l", RegEx::extractMatch(subject, many[12]));
   EXPECT_EQ(-1, many[15].end);
   // With fewer entries than groups, every entry given is filled.
@@ -542,15 +462,12 @@ protected:
   zelk::test::TempDir dir;
 };
 
-TEST_F(FileSystemVisitorTest, FlatScanSeesFilesOnlyAndReturnsFalseWhenComplete) {
-  Recorder recorder;
+TEST_F(FileSystemVisitorTest, FlatScansSeeFilesOnlyRecursiveScansEveryLevel) {
+  Recorder flat;
   // Kept on purpose: a complete non-recursive scan returns false.
-  EXPECT_FALSE(recorder.scan(dir.path().c_str(), false));
-  EXPECT_EQ((std::set<std::string>{dir.file("B.CRG"), dir.file("a.crg")}), recorder.files);
-  EXPECT_TRUE(recorder.directories.empty());
-}
-
-TEST_F(FileSystemVisitorTest, RecursiveScanEntersEveryLevelAndReturnsTrueWhenComplete) {
+  EXPECT_FALSE(flat.scan(dir.path().c_str(), false));
+  EXPECT_EQ((std::set<std::string>{dir.file("B.CRG"), dir.file("a.crg")}), flat.files);
+  EXPECT_TRUE(flat.directories.empty());
   Recorder recorder;
   // A trailing '/' on the directory is not doubled.
   EXPECT_TRUE(recorder.scan((dir.path() + "/").c_str(), true));
@@ -570,14 +487,9 @@ TEST_F(FileSystemVisitorTest, ACallbackReturningFalseStopsTheWalk) {
   byDirectory.stopAtDirectory = dir.file("sub");
   EXPECT_FALSE(byDirectory.scan(dir.path().c_str(), true));
   EXPECT_EQ(0u, byDirectory.files.count(dir.file("sub/c.crg")));  // not entered
-
-}
-
-TEST_F(FileSystemVisitorTest, AMissingDirectoryReturnsTheRecursiveFlag) {
-  Recorder recorder;
-  EXPECT_TRUE(recorder.scan(dir.file("missing").c_str(), true));
-  EXPECT_FALSE(recorder.scan(dir.file("missing").c_str(), false));
-  EXPECT_TRUE(recorder.files.empty());
+  // A missing directory returns the recursive flag.
+  EXPECT_TRUE(byFile.scan(dir.file("missing").c_str(), true));
+  EXPECT_FALSE(byFile.scan(dir.file("missing").c_str(), false));
 }
 
 TEST_F(FileSystemVisitorTest, AThrowingCallbackPropagatesAndLaterScansStillWork) {
@@ -599,7 +511,6 @@ TEST_F(FileSystemVisitorTest, LoopsOfSymbolicLinksEndAtTheDepthBound) {
 TEST(FileSystemVisitorEndsWithTest, ComparesTheExactSuffix) {
   EXPECT_TRUE(FileSystemVisitor::endsWith("/etc/zelk.crg", ".crg"));
   EXPECT_FALSE(FileSystemVisitor::endsWith("/etc/zelk.CRG", ".crg"));
-  EXPECT_TRUE(FileSystemVisitor::endsWith(".crg", ".crg"));
   EXPECT_FALSE(FileSystemVisitor::endsWith("crg", ".crg"));
   EXPECT_THROW(FileSystemVisitor().scan("", false), ContractViolationException);
 }
