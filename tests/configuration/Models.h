@@ -1,21 +1,14 @@
 // The specifications that the configuration tests share, built with the factory in a manager of
-// their own (the archive tools in the process-wide one), and the helpers that read what a call
-// throws.
-//
-//   ValueTestModel  tool: port int32 (default 8080 on the parameter), name string, verbose bool,
-//                   paths {string}, count uint32, big int64, ubig uint64, ratio double, oid OID,
-//                   color enum {red, green, blue}, level enum {only},
-//                   db container: host string (default "localhost"), {target} container:
-//                   path string, one-of {alpha int32 (default 1), beta int32}
-//   BackupToolModel backup: [help], [verbose] (value name "level", never shown),
-//                   one-of backup_oo2 {full | incremental | one-of {since "date" | days}},
-//                   optional logical group {user, password, [domain]}, target "path",
-//                   [{exclude "pattern"}], hidden [secret], [db]: dbname "name", [port];
-//                   [{mirror}]: host
-//   ArchiveToolModel archive: [help], [verbose], [name], [port], [portRange], [level] (default 3
-//                   on the reference), [{paths}], hidden [secretMode], target,
-//                   optional one-of {fast | small}, [db]: dbname, [dbport]; [{mirror}]: host
-//                   restore: [source], [{hosts}]
+// their own (the archive tools in the one given), and the helpers that read what a call throws.
+// Each model's constructor shows its tree; optional items are marked with brackets below:
+//   tool:    port (default 8080), name, verbose, {paths}, count, big, ubig, ratio, oid, color,
+//            level, db: host (default "localhost"), {target}: path, one-of (alpha, beta)
+//   backup:  [help], [verbose], one-of backup_oo2 (full, incremental, one-of (since, days)),
+//            [logical group (user, password, [domain])], target, [{exclude}], hidden [secret],
+//            [db]: dbname, [port]; [{mirror}]: host
+//   archive: [help], [verbose], [name], [port], [portRange], [level], [{paths}], hidden
+//            [secretMode], target, [one-of (fast, small)], [db]: dbname, [dbport]; [{mirror}]: host
+//   restore: [source], [{hosts}]
 #pragma once
 
 #include <string>

@@ -3,25 +3,18 @@
 // changes process-wide state (host directories, the default manager, the main log).
 #include <gtest/gtest.h>
 #include <memory>
-#include <string>
 #include <unistd.h>
 #include <utility>
-#include <vector>
 
-#include "support/InstallationFixture.h"
+#include "configuration/Models.h"
 #include "support/MainLogCapture.h"
 #include "zelk/configuration/ConfigurationException.h"
-#include "zelk/configuration/ConfigurationManager.h"
-#include "zelk/configuration/Specification.h"
-#include "zelk/configuration/ValidationException.h"
 #include "zelk/configuration/Validator.h"
 #include "zelk/configuration/Value.h"
-#include "zelk/configuration/ValueGroup.h"
 #include "zelk/configuration/ValueProvider.h"
 #include "zelk/configuration/XmlFileValueProvider.h"
 #include "zelk/configuration/impl/ConfigurationManagerImpl.h"
 #include "zelk/configuration/impl/ContextManager.h"
-#include "zelk/configuration/impl/Factory.h"
 #include "zelk/host/HostContext.h"
 #include "zelk/host/HostErrorReporter.h"
 
@@ -56,17 +49,6 @@ const std::string TOOL_REGISTRY = registry(
 class ConfigurationManagerStartupTest : public ::testing::Test {
 protected:
   ~ConfigurationManagerStartupTest() override { ConfigurationManager::shutdown(); }
-
-  // The message of the ConfigurationException that call throws, "" when none.
-  template <typename Call>
-  static std::string failure(Call call) {
-    try {
-      call();
-    } catch (const ConfigurationException& e) {
-      return e.what();
-    }
-    return "";
-  }
 
   // Each registered provider's name and priority, in registry order.
   static std::vector<std::pair<std::string, int>> providers(ConfigurationManager& manager) {
@@ -118,7 +100,8 @@ TEST_F(ConfigurationManagerStartupTest, WithoutTheMainRegistryNothingIsLoaded) {
   mInstallation.writePluginsFile("extra.crg", registry(parameter("extra")));
   ConfigurationManager manager;
   EXPECT_EQ("Unable to find the zelk.crg file.",
-            failure([&] { manager.loadDefaultConfigurationRegistry(); }));
+            test::messageOf<ConfigurationException>(
+                [&] { manager.loadDefaultConfigurationRegistry(); }));
   EXPECT_EQ(0u, manager.getImpl()->getNumberOfGlobalItems());
 
 }
@@ -127,7 +110,7 @@ TEST_F(ConfigurationManagerStartupTest, TheFirstGetInstanceLoadsTheRegistriesOnc
   mInstallation.writeEtcFile("zelk.crg", TOOL_REGISTRY);
   mInstallation.writePluginsFile("broken.crg", registry(specificationUsing("broken", "nothing")));
   EXPECT_EQ("Parameter \"nothing\" was not found",
-            failure([] { ConfigurationManager::getInstance(); }));
+            test::messageOf<ConfigurationException>([] { ConfigurationManager::getInstance(); }));
   // Kept on purpose: the partly loaded manager is the default one and the load is not retried.
   ConfigurationManager* instance = ConfigurationManager::getInstance();
   EXPECT_NE(nullptr, instance->getSpecification("tool"));
@@ -181,7 +164,7 @@ TEST_F(ConfigurationManagerStartupTest, EnableConfigurationReportsBadFiles) {
   ConfigurationManager* manager = ConfigurationManager::getInstance();
   const char* const missingValue = "Missing value for the -loadConfiguration parameter";
   const auto enable = [&](std::vector<const char*> argv, const char* application = nullptr) {
-    return failure([&] {
+    return test::messageOf<ConfigurationException>([&] {
       manager->enableConfiguration(false, application, static_cast<unsigned int>(argv.size()),
                                    argv.data(), "tool");
     });

@@ -1,8 +1,6 @@
 // Matching raw value trees to a specification, and validating the matched trees: missing,
 // unknown, repeated and conflicting items, and malformed specifications.
 #include <gtest/gtest.h>
-#include <string>
-#include <vector>
 
 #include "configuration/Models.h"
 #include "zelk/configuration/impl/SpecificationMatcher.h"
