@@ -24,7 +24,7 @@ ctest --test-dir "$build" -j "$(nproc)" --output-on-failure >"$build/coverage-ct
 tail -n 3 "$build/coverage-ctest.log" | grep -E 'tests passed|tests failed' || true
 
 trace="$build/coverage.json"
-gcovr -r "$root" --object-directory "$build" --exclude-directories "$build/CMakeFiles" \
+gcovr -r "$root" --object-directory "$build" --exclude-directories "$build/CMakeFiles/[0-9][^/]*" \
   --exclude-throw-branches --exclude-unreachable-branches -j "$(nproc)" --json -o "$trace" "$build"
 for part in zelk tools; do
   summary=$(gcovr -r "$root" --add-tracefile "$trace" --filter "$root/$part/" --print-summary \

@@ -77,7 +77,7 @@ for entry in "${mutations[@]}"; do
       >"$saved/test.log" 2>&1; then
     verdict="MISSED"
   else
-    failed=$(grep -m1 -oE '[0-9]+ - [^ ]+ \((Failed|Timeout|SEGFAULT|Subprocess aborted|Exception)' \
+    failed=$(grep -m1 -oE '[0-9]+ - [^ ]+ \((Failed|Timeout|SEGFAULT|Subprocess aborted|Exception)\)' \
       "$saved/test.log" || true)
     verdict="caught by ${failed:-a failing test}"
   fi
