@@ -1,5 +1,6 @@
 #include "zelk/configuration/ConfigurationManager.h"
 
+#include <functional>
 #include <memory>
 
 #include <gtest/gtest.h>
@@ -58,6 +59,7 @@ protected:
   }
   static std::string key(Specification* s) { return s->getId(); }
   static std::string key(Validator* v) { return v->getName(); }
+  static std::string key(EnumDefinition* e) { return e->getName(); }
   static std::string key(ValueProvider* p) { return p->getId(); }
 
   std::unique_ptr<ConfigurationManager> mManager;
@@ -164,6 +166,35 @@ TEST_F(ConfigurationManagerTest, RegistrationFailuresDestroyTheNewObject) {
               Factory::createSpecification("", "", "", "No id", false, m);
             }));
   EXPECT_EQ(0u, m->getImpl()->getNumberOfSpecifications());
+}
+
+// Null and empty arguments break contracts instead of being used; a null or empty provider name
+// means the command line's.
+TEST_F(ConfigurationManagerTest, ContractsAndDefaultProviderNames) {
+  ConfigurationManager* m = mManager.get();
+  const std::function<void()> contracts[] = {
+      [&] { m->registerSpecification(nullptr); },
+      [&] { m->registerValueProvider(nullptr); },
+      [&] { m->registerValidator(nullptr); },
+      [&] { m->registerGlobalItem(nullptr); },
+      [&] { m->registerEnumDefinition(nullptr); },
+      [&] { m->getGlobalItem(""); },
+      [&] { m->unregisterValidator(nullptr); },
+      [&] { m->composeUsageMessage("", nullptr); },
+      [&] { m->composeHelpMessage(nullptr, 80, 20, ""); },
+      [&] { m->getImpl()->composeUsageMessage("s", ""); },
+  };
+  for (const auto& call : contracts) {
+    EXPECT_THROW(call(), zelk::ContractViolationException);
+  }
+  m->registerValueProvider(new LoggedProvider("XML_FILE"));
+  EXPECT_TRUE(m->unregisterValueProvider("XML_FILE"));
+  Factory::createEnumDefinition("e", m);
+  EXPECT_EQ((std::vector<std::string>{"e"}), ids(m->getEnumDefinitionEnumerator()));
+  EXPECT_TRUE(m->unregisterEnumDefinition("e"));
+  EXPECT_EQ(1u, m->getImpl()->getNumberOfValidators());
+  EXPECT_EQ(0u, m->getImpl()->getNumberOfEnumDefinitions());
+  EXPECT_STREQ("", m->composeUsageMessage("nosuch", ""));
 }
 
 }  // namespace

@@ -245,6 +245,11 @@ TEST_F(ConfigurationRegistryLoaderTest, MalformedFilesReportWhereTheyGoWrong) {
                 .find("; expected \"/>\""));
   // Truncated files end with a warning, never a hang.
   EXPECT_NE(std::string::npos, failure("").find("expected \"<ConfigurationRegistry\""));
+  EXPECT_EQ("Unexpected \"<Registry\" at line 1, column 1 in \"" + mDir.file("test.crg") +
+                "\"; expected \"<ConfigurationRegistry\"",
+            failure("<Registry></Registry>"));
+  EXPECT_NE(std::string::npos,
+            failure(registry("<Groups><Group id=\"g\"><Value/></Group></Groups>")).find("<Value"));
 
   // A registry held in memory is named as given; a missing file is not a validation error.
   const std::string unclosed = "<ConfigurationRegistry><Groups>";

@@ -2,6 +2,7 @@
 // parameters and their defaults, enumerations, the visitor walk and the descendant walk.
 #include "zelk/configuration/GroupItem.h"
 
+#include <functional>
 #include <memory>
 #include <utility>
 
@@ -11,7 +12,10 @@
 #include "zelk/configuration/Group.h"
 #include "zelk/configuration/GroupItemVisitor.h"
 #include "zelk/configuration/Value.h"
+#include "zelk/configuration/ConfigurationListener.h"
 #include "zelk/configuration/impl/DescendantIterator.h"
+#include "zelk/configuration/impl/ListenerManager.h"
+#include "zelk/configuration/impl/ParameterSearchVisitor.h"
 
 using namespace zelk::configuration;
 using zelk::configuration::impl::DescendantIterator;
@@ -424,6 +428,65 @@ TEST_F(GroupItemTest, DescendantWalksPassThroughConstraintsAndEndAtForeignItems)
   const_cast<GroupItem*>(oneOf->getItem(1))->setContainer(root("foreign"));
   EXPECT_EQ("a,c_oo1,b,g", walk(c, DescendantIterator::ALL_ITEM_TYPES));
   const_cast<GroupItem*>(oneOf->getItem(1))->setContainer(c);
+}
+
+// Null and empty arguments break contracts instead of being used; each kind names itself.
+TEST_F(GroupItemTest, ContractsAndTypeNames) {
+  Container* c = root("c");
+  OneOf* oneOf = b.oneOf(c, 0);
+  EnumDefinition* e = b.enumeration("e", {"a"});
+  struct Listener : ConfigurationListener {
+  } listener;
+  impl::ParameterSearchVisitor search("x");
+  const std::function<void()> contracts[] = {
+      [] { Factory::createContainer("", "n", "d", 0); },
+      [] { Factory::createContainer("id", "n", nullptr, 0); },
+      [&] { Factory::createEnumDefinition("", b.manager()); },
+      [] { Factory::addEnumValue(nullptr, "x"); },
+      [&] { Factory::addEnumValue(e, "", 3); },
+      [] { Factory::addItemToSpecification(nullptr, nullptr); },
+      [&] { Factory::addItemToSpecification(b.specification("s"), nullptr); },
+      [] { Factory::addItemToGroupItem(nullptr, nullptr); },
+      [&] { Factory::addItemToGroupItem(c, nullptr); },
+      [] { Factory::copyItemToCollection(nullptr, nullptr); },
+      [] { Factory::setDefaultValueFor(static_cast<Parameter*>(nullptr), "1"); },
+      [] { Factory::setDefaultValueFor(static_cast<ParameterRef*>(nullptr), "1"); },
+      [&] { parameter("", "", Parameter::STRING); },
+      [&] { parameter("p", "", static_cast<Parameter::ValueType>(-1)); },
+      [] { Factory::createParameterRef(nullptr, 0, ""); },
+      [&] { c->getItem(9); },
+      [&] { c->findItem(""); },
+      [&] { oneOf->findItem(""); },
+      [&] { ref(c, "d")->isDescendantOf(nullptr); },
+      [&] { e->getSymbolicNameByIndex(3); },
+      [] { DescendantIterator(nullptr, -1); },
+      [&] { search.getFoundItem(0); },
+      [&] { listener.startListeningTo(static_cast<const Specification*>(nullptr)); },
+      [&] { listener.startListeningTo(static_cast<const ParameterRef*>(nullptr)); },
+      [&] { listener.stopListeningTo(static_cast<const Container*>(nullptr)); },
+      [&] { impl::ListenerManager::getInstance()->addListener(&listener, nullptr); },
+      [&] { impl::ListenerManager::getInstance()->removeListener(nullptr, c); },
+  };
+  for (const auto& call : contracts) {
+    EXPECT_THROW(call(), zelk::ContractViolationException);
+  }
+  EXPECT_EQ(nullptr, Factory::clone(nullptr, true));
+  Factory::destroy(static_cast<const GroupItem*>(nullptr));
+  Factory::destroy(static_cast<Validator*>(nullptr), true, b.manager());
+  Group* group = Factory::createGroup("g", "G", b.manager());
+  const std::pair<const char*, const char*> names[] = {
+      {"Container", c->getItemTypeName()},
+      {"One Of", oneOf->getItemTypeName()},
+      {"Logical Group", b.logicalGroup(c, 0)->getItemTypeName()},
+      {"ParameterRef", ref(c, "r")->getItemTypeName()},
+      {"Parameter", parameter("q", "", Parameter::INT32)->getItemTypeName()},
+      {"Group", group->getItemTypeName()},
+  };
+  for (const auto& name : names) {
+    EXPECT_STREQ(name.first, name.second);
+  }
+  EXPECT_EQ(oneOf, ref(oneOf, "o")->getConstraint());
+  EXPECT_FALSE(oneOf->isUnbounded());
 }
 
 }  // namespace

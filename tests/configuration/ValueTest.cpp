@@ -14,6 +14,7 @@
 #include "zelk/configuration/ValueIterator.h"
 #include "zelk/configuration/impl/ValueAccess.h"
 #include "zelk/configuration/impl/ValueGroupMerger.h"
+#include "zelk/configuration/impl/ValueItemState.h"
 #include "zelk/configuration/impl/ValueState.h"
 
 namespace zelk::configuration {
@@ -235,6 +236,10 @@ TEST_F(ValueTest, GetValueSeesUnmatchedValuesOnlyWithUseDefault) {
   EXPECT_STREQ("\"db\" is not a unbounded value.", errors.getError(1));
   EXPECT_EQ("\"paths\" is not a bounded value group.",
             messageOf<ConfigurationException>([&] { root.getValueGroup("paths"); }));
+  EXPECT_TRUE(root.getValue("db", &errors).isNull());
+  EXPECT_FALSE(root.findValueBase("db", &errors));
+  EXPECT_FALSE(root.findValueGroup("paths", &errors));
+  EXPECT_EQ(5u, errors.getNumberOfErrors());
 
   // A bounded value is also available as an unbounded one.
   root.addValue("port", "3");
@@ -282,7 +287,13 @@ TEST_F(ValueTest, TryGetValueKeepsTheDeliberateIndexTest) {
   ObjectId oid;
   EXPECT_TRUE(group.tryGetValue("oid", oid));
   EXPECT_EQ(ObjectId(1, 2, 0, 0), oid);
+  uint64_t big = 0;
+  EXPECT_TRUE(group.tryGetValue("n", big));
+  double d = 0;
+  EXPECT_TRUE(group.tryGetValue("n", d));
+  EXPECT_DOUBLE_EQ(42.0, d);
   const char* pointer = 0;
+  EXPECT_TRUE(group.tryGetValue("text", pointer));
   char* copy = 0;
   EXPECT_TRUE(group.tryGetValue("text", copy));
   EXPECT_STREQ("hello", copy);
@@ -609,6 +620,40 @@ TEST_F(ValueTest, LargeGroupsFindRenamedItemsUnderTheirNewName) {
   EXPECT_TRUE(group.findItem("item6") == nullptr);
 
   EXPECT_EQ("6", ValueGroup(group, 0).getValue("port").asString());  // a copy has its own index
+}
+
+// Null and empty arguments break contracts instead of being used; each kind names itself.
+TEST_F(ValueTest, ContractsAndTypeNames) {
+  ValueGroup group("g");
+  Value value = group.addValue("v", "1");
+  UnboundedValue many = UnboundedValue::create("u", "1");
+  const std::function<void()> contracts[] = {
+      [] { Value::create(static_cast<const char*>(""), "x"); },
+      [] { Value::create(static_cast<const ParameterRef*>(nullptr), "1"); },
+      [] { Value(""); },
+      [&] { group.findItem(0); },
+      [&] { group.remove(""); },
+      [&] { group.getItem(2); },
+      [&] { value.setGroupItem(0); },
+      [&] { value.setName(""); },
+      [] { impl::ValueItemState::getItemTypeName(static_cast<ValueGroupItem::ItemType>(3)); },
+  };
+  for (const auto& call : contracts) {
+    EXPECT_THROW(call(), zelk::ContractViolationException);
+  }
+  EXPECT_STREQ("bounded value group", group.getItemTypeName());
+  EXPECT_STREQ("bounded value", value.getItemTypeName());
+  EXPECT_STREQ("unbounded value", many.getItemTypeName());
+  EXPECT_TRUE(ValueGroup(ValueGroup::Null, 0).isNull());
+  EXPECT_TRUE(Value(Value::Null, 0).isNull());
+  EXPECT_TRUE(ValueGroupIterator().isNull());
+  UnboundedValue flags(model.verbose);
+  flags.add(true);
+  flags.set(0, false);
+  EXPECT_EQ("false", flags.asString(0));
+  ValueIterator entries = flags.getIterator();
+  ASSERT_TRUE(entries.next());
+  EXPECT_EQ(1u, entries.getValueCount());
 }
 
 }  // namespace

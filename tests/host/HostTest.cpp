@@ -67,6 +67,11 @@ TEST(HostContextTest, FormattedHostExceptionFormatsAndReportsWhenEnabled) {
   const FormattedHostException e("REGEX ERROR #%d: %s", 14, "missing )");
   EXPECT_STREQ("REGEX ERROR #14: missing )", e.what());
   EXPECT_EQ(4095u, std::strlen(FormattedHostException("%s", std::string(5000, 'x').c_str()).what()));
+  const HostErrorReporter plain;
+  EXPECT_EQ(nullptr, static_cast<const char*>(plain));
+  EXPECT_EQ(nullptr, plain.asKernelException());
+  HostErrorReporter::setEnabled(nullptr, true);  // ignored
+  EXPECT_FALSE(HostErrorReporter::isEnabled(nullptr));
 
   HostContext context(200, 500);
   HostContext::makeCurrent(&context);

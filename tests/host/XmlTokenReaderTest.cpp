@@ -18,6 +18,21 @@ void open(XmlTokenReader& reader, const std::string& text) {
   reader.openBuffer(text.data(), text.size());
 }
 
+TEST(XmlTokenReaderTest, MatchesWholeNamesOnly) {
+  XmlTokenReader reader;
+  open(reader, "<Parameters  ><Parameter id = 'x'/>");
+  EXPECT_FALSE(reader.acceptToken("<Parameter"));  // only part of a longer name
+  EXPECT_FALSE(reader.acceptNameAndValue("", nullptr, 0));
+  EXPECT_TRUE(reader.acceptToken("<Parameters>"));  // white space before '>'
+  char id[8];
+  EXPECT_TRUE(reader.acceptToken("<Parameter"));
+  EXPECT_FALSE(reader.acceptToken(""));
+  ASSERT_TRUE(reader.acceptNameAndValue("id", id, sizeof id));
+  EXPECT_STREQ("x", id);
+  EXPECT_TRUE(reader.acceptToken("/>"));
+  EXPECT_TRUE(reader.isEof());
+}
+
 TEST(XmlTokenReaderTest, DecodesValues) {
   XmlTokenReader reader;
   open(reader,

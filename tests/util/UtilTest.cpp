@@ -1,6 +1,7 @@
 // The zelk utilities: word wrapping, UTF conversions, string helpers, safe formatting, contracts,
 // regular expressions and directory walks.
 #include <filesystem>
+#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <locale>
@@ -115,6 +116,12 @@ TEST(StringUtilTest, ConvertsBetweenUtf8Utf16AndUtf32) {
   EXPECT_EQ((std::basic_string<unsigned short>{0x61, 0xE9, 0x20AC, 0xD83D, 0xDE00}),
             StringUtil::toUtf16(text));
   EXPECT_EQ(static_cast<wchar_t>(0x1F600), StringUtil::toWString(text)[3]);
+  EXPECT_TRUE(StringUtil::toUtf16(nullptr).empty());
+  EXPECT_TRUE(StringUtil::toWString(nullptr).empty());
+  char dest[8];
+  EXPECT_EQ(0, StringUtil::toUtf8(static_cast<const unsigned int*>(nullptr), dest, true));
+  const unsigned short lone[] = {0xD83D, 0};
+  EXPECT_EQ(-1, StringUtil::toUtf8(lone, dest, false));
 
 
   EXPECT_EQ("invalid utf-8 string", invalidArgumentText([] { StringUtil::toUtf16("a\xFF"); }));
@@ -187,8 +194,20 @@ TEST(UtfUtilTest, DecodesAndEncodesUtf16) {
   EXPECT_EQ(99, UtfUtil::codePointToUtf16(0x200000, units));
 }
 
+TEST(UtfUtilTest, ConvertsOneCodePointBetweenEncodings) {
+  unsigned short units[2] = {};
+  int written = -5;
+  EXPECT_EQ(1, UtfUtil::utf8to16("A", units, written));
+  EXPECT_EQ(4, UtfUtil::utf8to16("\xF0\x9F\x98\x80", units, written));
+  EXPECT_EQ(2, written);
+  // An invalid sequence is passed on as -1, not 99, and written is left alone.
+  EXPECT_EQ(-1, UtfUtil::utf8to16("\xE2\x82", units, written));
+  EXPECT_EQ(2, written);
+}
+
 TEST(UtfUtilTest, MeasuresLengthsWithoutReadingPastTheEnd) {
   EXPECT_EQ(0u, UtfUtil::length16(nullptr));
+  EXPECT_EQ(0u, UtfUtil::length8(static_cast<const unsigned int*>(nullptr)));
   EXPECT_EQ(5u, UtfUtil::length16("a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"));
   EXPECT_EQ(4u, UtfUtil::length32("a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"));
   EXPECT_EQ(0xFFFFFFFFu, UtfUtil::length32("\xFF"));
@@ -218,6 +237,7 @@ TEST(UtfUtilTest, DetectsByteOrderMarks) {
       {std::string("\xFF\xFE\x41\x00", 4), 4, 2, 0xFE},  // kept on purpose: back on the FE
       {std::string("\xFF\xFE\x00\x00\x41", 5), 2, 4, 0x41},
       {std::string("\x00\x00\xFE\xFF\x41", 5), 1, 4, 0x41},
+      {"\xFE\xFF\x41", 3, 2, 0x41},
       {"\xEF\xBB\x41", 0, 0, 0xEF},
       {"", 0, 0, -1},
   };
@@ -508,11 +528,20 @@ TEST_F(FileSystemVisitorTest, LoopsOfSymbolicLinksEndAtTheDepthBound) {
   EXPECT_GT(recorder.directories.size(), 3u);
 }
 
-TEST(FileSystemVisitorEndsWithTest, ComparesTheExactSuffix) {
+TEST(FileSystemVisitorEndsWithTest, ComparesTheExactSuffixAndKeepsItsContracts) {
   EXPECT_TRUE(FileSystemVisitor::endsWith("/etc/zelk.crg", ".crg"));
   EXPECT_FALSE(FileSystemVisitor::endsWith("/etc/zelk.CRG", ".crg"));
   EXPECT_FALSE(FileSystemVisitor::endsWith("crg", ".crg"));
-  EXPECT_THROW(FileSystemVisitor().scan("", false), ContractViolationException);
+  const std::function<void()> contracts[] = {
+      [] { FileSystemVisitor().scan("", false); },
+      [] { FileSystemVisitor::endsWith(nullptr, "x"); },
+      [] { FileSystemVisitor::endsWith("x", nullptr); },
+      [] { RegEx("a", false, false).matches("a", nullptr, 1); },
+  };
+  for (const auto& call : contracts) {
+    EXPECT_THROW(call(), ContractViolationException);
+  }
+  EXPECT_TRUE(RegEx(std::string("^a$"), false, false).match("a"));
 }
 
 }  // namespace

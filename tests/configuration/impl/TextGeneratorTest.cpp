@@ -1,12 +1,14 @@
 // Help, usage and representation texts: the generators, and the manager's services that use
 // them (through the named provider or a temporary command-line one).
 #include <gtest/gtest.h>
+#include <cstdint>
 #include <stdexcept>
 
 #include "configuration/Models.h"
 #include "zelk/configuration/ValueProvider.h"
 #include "zelk/configuration/impl/GroupItemStringGenerator.h"
 #include "zelk/configuration/impl/HelpGenerator.h"
+#include "zelk/configuration/impl/RepresentationPrinter.h"
 #include "zelk/configuration/impl/UsageGenerator.h"
 #include "zelk/configuration/impl/ValueProviderImpl.h"
 
@@ -225,6 +227,27 @@ TEST(ConfigurationManagerTextTest, ValidationAndRepresentations) {
             "      id: \"dbname\"\n      description: \"A parameter\"\n      optional: false\n",
             std::string(manager.getRepresentation(static_cast<const GroupItem&>(*model.db)))
                 .substr(0, 216));
+}
+
+// The printer behind the representations: scopes indent two blanks per level, and pointers stay
+// hexadecimal until the next integer.
+TEST(RepresentationPrinterTest, ScopesKeysAndValuesInTheirForms) {
+  impl::RepresentationPrinter printer;
+  printer.enterScope("A");
+  printer.printKeyInt32Value("n", 5);
+  printer.printKeyStringValue(0, "ab");
+  printer.printKeyStringValue("s", 0);
+  printer.printKeyLiteralValue("l", 0);
+  printer.printKeyBoolValue("b", false);
+  printer.printKeyDoubleValue("d", 1.5);
+  printer.printKeyUInt64Value("u", UINT64_MAX);
+  printer.printKeyInt64Value("i", INT64_MIN);
+  printer.printKeyPointerValue("p", reinterpret_cast<const void*>(uintptr_t(0xff)));
+  printer.printKeyInt32Value("n", -16);
+  printer.leaveScope("B");
+  EXPECT_EQ("A\n  n: 5\n  <<null>>: \"ab\"\n  s: null\n  l: null\n  b: false\n  d: 1.500000\n"
+            "  u: 18446744073709551615\n  i: -9223372036854775808\n  p: ff\n  n: -16\nB\n",
+            printer.getRepresentation());
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "configuration/Models.h"
 #include "zelk/configuration/ConfigurationException.h"
 #include "zelk/configuration/ValueGroup.h"
 
@@ -95,6 +96,18 @@ TEST(ValueProviderImplTest, EnableProviderGoesThroughTheOverride) {
   provider.enableProvider("values.xml", 0);
   EXPECT_TRUE(provider.getEnabled());
   EXPECT_EQ("values.xml", impl->mArgument);
+}
+
+TEST(ValueProviderImplTest, ContractsOnNamesWidthsAndImplementations) {
+  EXPECT_THROW(TestProviderImpl("", 1, "id"), zelk::ContractViolationException);
+  EXPECT_THROW(TestProvider(nullptr), zelk::ContractViolationException);
+  TestProvider provider(new TestProviderImpl("CLI", 1, "help"));
+  zelk::test::SpecificationBuilder builder;
+  const Specification* spec = builder.specification("s");
+  EXPECT_THROW(provider.composeHelpMessage(*spec, 0, 0), zelk::ContractViolationException);
+  EXPECT_THROW(provider.composeHelpMessage(*spec, 80, 80), zelk::ContractViolationException);
+  EXPECT_EQ("setArguments(const ValueGroup&, int) is not supported",
+            failure([](TestProvider& p) { p.enableProvider(ValueGroup::Null, 0); }));
 }
 
 }  // namespace
