@@ -157,17 +157,6 @@ TEST_F(ConfigurationManagerTest, ClearCachesDestroysEverythingInItsOrder) {
   EXPECT_EQ("validator last", gDestroyed.back());
 }
 
-TEST_F(ConfigurationManagerTest, RegistrationFailuresDestroyTheNewObject) {
-  ConfigurationManager* m = mManager.get();
-  // An empty id passes the item's construction only for containers; a specification's id is the
-  // registry key, whose contract fails on registration.
-  EXPECT_EQ("Contract violation: \"objectKey != 0 && *objectKey != '\\0'\"",
-            messageOf([&] {
-              Factory::createSpecification("", "", "", "No id", false, m);
-            }));
-  EXPECT_EQ(0u, m->getImpl()->getNumberOfSpecifications());
-}
-
 // Null and empty arguments break contracts instead of being used; a null or empty provider name
 // means the command line's.
 TEST_F(ConfigurationManagerTest, ContractsAndDefaultProviderNames) {

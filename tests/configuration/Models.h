@@ -1,14 +1,6 @@
 // The specifications that the configuration tests share, built with the factory in a manager of
 // their own (the archive tools in the one given), and the helpers that read what a call throws.
-// Each model's constructor shows its tree; optional items are marked with brackets below:
-//   tool:    port (default 8080), name, verbose, {paths}, count, big, ubig, ratio, oid, color,
-//            level, db: host (default "localhost"), {target}: path, one-of (alpha, beta)
-//   backup:  [help], [verbose], one-of backup_oo2 (full, incremental, one-of (since, days)),
-//            [logical group (user, password, [domain])], target, [{exclude}], hidden [secret],
-//            [db]: dbname, [port]; [{mirror}]: host
-//   archive: [help], [verbose], [name], [port], [portRange], [level], [{paths}], hidden
-//            [secretMode], target, [one-of (fast, small)], [db]: dbname, [dbport]; [{mirror}]: host
-//   restore: [source], [{hosts}]
+// Each model's constructor shows its tree; the one-of of "backup" is backup_oo2.
 #pragma once
 
 #include <string>

@@ -79,9 +79,7 @@ TEST(ValidationErrorsTest, ThrowIfErrorsThrowsEveryErrorCatchableAsEachBase) {
   } catch (const zelk::host::HostErrorReporter& e) {
     EXPECT_EQ(-701, e.get_kind());
     EXPECT_STREQ("a\nb", e.what());
-    const auto* validation = dynamic_cast<const ValidationException*>(&e);
-    ASSERT_NE(nullptr, validation);
-    EXPECT_EQ(2u, validation->getErrors().getNumberOfErrors());
+    EXPECT_NE(nullptr, dynamic_cast<const ValidationException*>(&e));
   }
   EXPECT_THROW(errors.throwIfErrors(), ConfigurationException);
 }

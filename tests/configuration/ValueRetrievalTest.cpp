@@ -298,18 +298,6 @@ TEST_F(XmlFileValueProviderTest, FailuresSayWhatWentWrongAndKeepTheTree) {
   EXPECT_EQ("\"%999999999d\" is not a valid Int32", messageOf([&] { level.asInt32(); }));
 }
 
-TEST_F(XmlFileValueProviderTest, FormatDirectivesInFileContentsAreQuotedAsWritten) {
-  load(mProvider, "values.xml", "<archive name=\"%s%s%s%n\" target=\"t\"/>");
-  EXPECT_EQ("%s%s%s%n",
-            mProvider.getValues(*mModel.archive, PROVIDER_CHECKS).getValue("name").asString());
-  EXPECT_EQ("Unexpected \"%\" at line 1, column 10 in \"" + mDir.file("broken.xml") +
-                "\"; expected \"<\"",
-            messageOf([&] {
-              load(mProvider, "broken.xml", "<archive>%s%s%s%n<%999999999d/></archive>");
-            }));
-}
-
-
 class CommandLineValueProviderTest : public ::testing::Test {
 protected:
   CommandLineValueProviderTest() : mModel(mSingleton.manager()), mProvider(1, "") {}

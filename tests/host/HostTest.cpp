@@ -86,19 +86,6 @@ TEST(HostContextTest, FormattedHostExceptionFormatsAndReportsWhenEnabled) {
   HostContext::makeCurrent(nullptr);
 }
 
-TEST(HostContextTest, HostMallocGivesUsableMemory) {
-  struct Pair {
-    int a;
-    double b;
-  };
-  void* memory = hostMalloc(sizeof(Pair));
-  ASSERT_NE(nullptr, memory);
-  EXPECT_EQ(2.5, (new (memory) Pair{1, 2.5})->b);
-  hostFree(memory);
-  hostFree(nullptr);
-}
-
-
 std::string look(bool (*lookUp)(char*), bool* succeeded = nullptr) {
   char buffer[HOST_PATH_BUFFER_SIZE];
   std::fill(buffer, buffer + sizeof buffer, 'x');

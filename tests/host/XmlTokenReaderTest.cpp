@@ -100,8 +100,6 @@ TEST(XmlTokenReaderTest, SkipsDeclarationsCommentsAndDocumentTypes) {
        "<!-- one --><?pi data?>\n<!----><r/>");
   EXPECT_TRUE(reader.skipComments());
   EXPECT_TRUE(reader.acceptToken("<r/>"));
-  EXPECT_TRUE(reader.skipComments());
-  EXPECT_TRUE(reader.atEnd());
   open(reader, "<a/><!-- never closed - -> <b/>");
   ASSERT_TRUE(reader.acceptToken("<a/>"));
   EXPECT_FALSE(reader.skipComments());

@@ -143,22 +143,4 @@ TEST(ConvertTest, Enumerations) {
 
 }
 
-TEST(ConvertTest, TextForms) {
-  EXPECT_EQ("-2147483648", Convert::asString(std::numeric_limits<int>::min()));
-  EXPECT_EQ("4294967295", Convert::asString(4294967295u));
-  EXPECT_EQ("-9223372036854775808", Convert::asString(std::numeric_limits<long>::min()));
-  EXPECT_EQ("18446744073709551615", Convert::asString(18446744073709551615ul));
-  EXPECT_EQ("1", Convert::asString(true));
-  EXPECT_EQ("3.14159", Convert::asString(3.14159265));
-  EXPECT_EQ("1e+20", Convert::asString(1e20));
-  EXPECT_EQ("65535-0-0-65535", Convert::asString(ObjectId(65535, 0, 0, 65535)));
-
-  // What asString writes, the parsers read back.
-  ValidationErrors errors;
-  EXPECT_EQ(ObjectId(9, 8, 7, 6), Convert::asOID(Convert::asString(ObjectId(9, 8, 7, 6)).c_str(),
-                                                 &errors));
-  EXPECT_TRUE(Convert::asBool(Convert::asString(true).c_str(), &errors));
-  EXPECT_EQ(0u, errors.getNumberOfErrors());
-}
-
 }  // namespace

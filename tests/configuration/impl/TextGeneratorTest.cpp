@@ -107,29 +107,6 @@ std::string usageOf(const Specification& spec) {
   return usage.getUsage();
 }
 
-// Writes flags the way some other tools do.
-class SlashUsageGenerator : public UsageGenerator {
-public:
-  std::string getParameterName(const ParameterRef& ref) const override {
-    return std::string("/") + ref.getParameter()->getName();
-  }
-};
-
-TEST(UsageGeneratorTest, ARealisticSpecification) {
-  BackupToolModel model;
-  EXPECT_EQ("\t[-help]\n"
-            "\t[-verbose]\n"
-            "\t(-full | -incremental | (-since date | -days days))\n"
-            "\t-user user -password password [-domain domain]\n"
-            "\t-target path\n"
-            "\t[{-exclude pattern}]\n"
-            // The hidden "secret" gets no line; the optional container's brackets enclose its
-            // children's lines.
-            "\t[-dbname name\n"
-            "\t[-port port]]\n"
-            "\t[{-host host}]",
-            usageOf(*model.spec));
-}
 
 TEST(UsageGeneratorTest, FlagsAndValueNames) {
   SpecificationBuilder builder;
@@ -142,9 +119,6 @@ TEST(UsageGeneratorTest, FlagsAndValueNames) {
   builder.ref(oneOf, "y", Parameter::DOUBLE, 0, "ratio");
   EXPECT_EQ("\t[{-host name}]\n\t-verbose\n\t(-x | -y ratio)", usageOf(*spec));
 
-  SlashUsageGenerator slash;
-  spec->accept(slash);
-  EXPECT_EQ("\t[{/host name}]\n\t/verbose\n\t(/x | /y ratio)", slash.getUsage());
 
   // An optional specification brackets its whole usage; the break after a hidden child is
   // dropped, the one before it is not.

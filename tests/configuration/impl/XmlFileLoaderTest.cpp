@@ -103,7 +103,6 @@ TEST(XmlFileLoaderTest, NestingAndLengthsAreBounded) {
   const std::string fits(1024, 'v');
   ValueGroup root = load("<archive name=\"" + fits + "\" " + std::string(1024, 'n') + "=\"1\"/>");
   EXPECT_EQ(fits, text(root, "name"));
-  EXPECT_FALSE(load("<a v=\"" + std::string(1020, 'v') + "&amp;&lt;&gt;&quot;\"/>").isNull());
   std::string wide;  // 341 three-byte characters
   for (int i = 0; i < 341; ++i) wide += "\xe2\x82\xac";
   EXPECT_FALSE(load("<a v=\"" + wide + "x\"/>").isNull());

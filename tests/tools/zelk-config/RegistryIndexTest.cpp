@@ -14,48 +14,27 @@ TEST(RegistryIndexTest, GivesConstraintsTheIdsTheModelGivesThem) {
   test::TempDir dir;
   const std::string path = dir.file("ids.crg");
   test::writeTextFile(path,
-                      "<ConfigurationRegistry>\n"
-                      "  <Groups>\n"
-                      "    <Group id=\"g\" description=\"G\">\n"
-                      "      <OneOf><ParameterRef id=\"x\"/><ParameterRef id=\"y\"/></OneOf>\n"
-                      "    </Group>\n"
-                      "  </Groups>\n"
-                      "  <Specifications>\n"
-                      "    <Specification id=\"s\" description=\"S\">\n"
-                      "      <ParameterRef id=\"a\"/>\n"
-                      "      <OneOf>\n"
-                      "        <LogicalGroup><ParameterRef id=\"b\"/><ParameterRef id=\"c\"/></LogicalGroup>\n"
-                      "        <ParameterRef id=\"d\"/>\n"
-                      "      </OneOf>\n"
-                      "      <GroupRef id=\"g\"/>\n"
-                      "      <Container id=\"box\" description=\"Box\">\n"
-                      "        <ParameterRef id=\"e\"/>\n"
-                      "        <LogicalGroup><ParameterRef id=\"f\"/><ParameterRef id=\"h\"/></LogicalGroup>\n"
-                      "      </Container>\n"
-                      "      <OneOf><ParameterRef id=\"i\"/><ParameterRef id=\"j\"/></OneOf>\n"
-                      "    </Specification>\n"
-                      "  </Specifications>\n"
+                      "<ConfigurationRegistry><Groups><Group id=\"g\" description=\"G\">\n"
+                      "<OneOf><ParameterRef id=\"x\"/><ParameterRef id=\"y\"/></OneOf></Group>\n"
+                      "</Groups><Specifications><Specification id=\"s\" description=\"S\">\n"
+                      "<ParameterRef id=\"a\"/><OneOf><LogicalGroup/></OneOf><GroupRef id=\"g\"/>\n"
+                      "<Container id=\"box\" description=\"B\"><ParameterRef id=\"e\"/>\n"
+                      "  <LogicalGroup/></Container><OneOf/></Specification></Specifications>\n"
                       "</ConfigurationRegistry>\n");
   RegistryIndex index;
   const std::size_t file = index.addFile(path);
-
-  ASSERT_NE(index.findItem("OneOf", "g_oo0"), nullptr);
   EXPECT_EQ(index.findItem("OneOf", "g_oo0")->owner, "g");
-
   const ElementRecord* oneOf = index.findItem("OneOf", "s_oo1");
-  const ElementRecord* nested = index.findItem("LogicalGroup", "s_oo1_lg0");
-  ASSERT_NE(nested, nullptr);
-  EXPECT_EQ(nested->column, 9u);
-
+  ASSERT_NE(index.findItem("LogicalGroup", "s_oo1_lg0"), nullptr);
   // Inside a container the position restarts; the owner stays the specification.
   const ElementRecord* inBox = index.findItem("LogicalGroup", "box_lg1");
   ASSERT_NE(inBox, nullptr);
   EXPECT_EQ(inBox->owner, "s");
-
+  EXPECT_EQ(inBox->line, 6u);
+  EXPECT_EQ(inBox->column, 3u);
   // The group reference at position 2 moves the last one-of to position 4.
   EXPECT_EQ(index.findItem("OneOf", "s_oo3"), nullptr);
   EXPECT_NE(index.findItem("OneOf", "s_oo4"), nullptr);
-
   // Ids compare without regard to case; owner and file restrict the search.
   EXPECT_EQ(index.findItem("OneOf", "S_OO1"), oneOf);
   const std::string other = "g";
