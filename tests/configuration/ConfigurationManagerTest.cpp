@@ -176,11 +176,15 @@ TEST_F(ConfigurationManagerTest, ContractsAndDefaultProviderNames) {
   for (const auto& call : contracts) {
     EXPECT_THROW(call(), zelk::ContractViolationException);
   }
-  m->registerValueProvider(new LoggedProvider("XML_FILE"));
+  // Unregistering hands the objects back.
+  LoggedProvider* provider = new LoggedProvider("XML_FILE");
+  m->registerValueProvider(provider);
   EXPECT_TRUE(m->unregisterValueProvider("XML_FILE"));
-  Factory::createEnumDefinition("e", m);
+  Factory::destroy(provider, false, m);
+  EnumDefinition* e = Factory::createEnumDefinition("e", m);
   EXPECT_EQ((std::vector<std::string>{"e"}), ids(m->getEnumDefinitionEnumerator()));
   EXPECT_TRUE(m->unregisterEnumDefinition("e"));
+  Factory::destroy(e, false, m);
   EXPECT_EQ(1u, m->getImpl()->getNumberOfValidators());
   EXPECT_EQ(0u, m->getImpl()->getNumberOfEnumDefinitions());
   EXPECT_STREQ("", m->composeUsageMessage("nosuch", ""));
