@@ -77,7 +77,6 @@ TEST_F(ConfigurationManagerTest, DuplicatesAreAcceptedAndReportedOnLookUp) {
   EXPECT_EQ(nullptr, m->getSpecification("TOOL"));
   EXPECT_TRUE(m->unregisterSpecification("tool"));
   EXPECT_FALSE(m->unregisterSpecification("tool"));
-  // Unregistering hands the objects back.
   Factory::destroy(first, false, m);
   Factory::destroy(second, false, m);
 
@@ -157,8 +156,6 @@ TEST_F(ConfigurationManagerTest, ClearCachesDestroysEverythingInItsOrder) {
   EXPECT_EQ("validator last", gDestroyed.back());
 }
 
-// Null and empty arguments break contracts instead of being used; a null or empty provider name
-// means the command line's.
 TEST_F(ConfigurationManagerTest, ContractsAndDefaultProviderNames) {
   ConfigurationManager* m = mManager.get();
   const std::function<void()> contracts[] = {

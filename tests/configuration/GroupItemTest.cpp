@@ -416,7 +416,6 @@ TEST_F(GroupItemTest, DescendantWalksPassThroughConstraintsAndEndAtForeignItems)
   const_cast<GroupItem*>(oneOf->getItem(1))->setContainer(c);
 }
 
-// Null and empty arguments break contracts instead of being used; each kind names itself.
 TEST_F(GroupItemTest, ContractsAndTypeNames) {
   Container* c = root("c");
   OneOf* oneOf = b.oneOf(c, 0);

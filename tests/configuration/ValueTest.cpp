@@ -604,7 +604,6 @@ TEST_F(ValueTest, LargeGroupsFindRenamedItemsUnderTheirNewName) {
   EXPECT_EQ("6", ValueGroup(group, 0).getValue("port").asString());  // a copy has its own index
 }
 
-// Null and empty arguments break contracts instead of being used; each kind names itself.
 TEST_F(ValueTest, ContractsAndTypeNames) {
   ValueGroup group("g");
   Value value = group.addValue("v", "1");
