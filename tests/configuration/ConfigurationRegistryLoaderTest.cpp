@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "configuration/Models.h"
 #include "support/TempDir.h"
 #include "support/TextFiles.h"
 #include "zelk/configuration/ConfigurationException.h"
@@ -86,33 +87,23 @@ TEST_F(ConfigurationRegistryLoaderTest, LoadsEveryElementOfTheFormat) {
       "<LogicalGroup><ParameterRef id=\"level\"/><ParameterRef id=\"where\"/></LogicalGroup>"
       "</Container><GroupRef id=\"common\"/></Specification></Specifications>"));
 
-  const EnumDefinition* mode = mManager.getEnumDefinition("mode");
-  ASSERT_NE(nullptr, mode);
-  EXPECT_EQ(1, mode->getValue("safe", nullptr));
   const Parameter* modeParameter = dynamic_cast<const Parameter*>(mManager.getParameter("mode"));
   ASSERT_NE(nullptr, modeParameter);
-  EXPECT_EQ(Parameter::ENUM, modeParameter->getValueType());
-  EXPECT_EQ(mode, modeParameter->getEnumDefinition());
-  EXPECT_STREQ("Mode", modeParameter->getName());
   EXPECT_STREQ("how", modeParameter->getValueName());
   EXPECT_EQ("safe", modeParameter->getDefaultValue().asString());
-  const Parameter* where = dynamic_cast<const Parameter*>(mManager.getParameter("where"));
-  ASSERT_NE(nullptr, where);
-  EXPECT_EQ(mManager.getValidator("storageLocation"), where->getValidator());
+  EXPECT_EQ(mManager.getValidator("storageLocation"),
+            dynamic_cast<const Parameter&>(*mManager.getParameter("where")).getValidator());
 
   // The group's id is its name; without a description the id stands in.
   GlobalItem* common = mManager.getGroup("common");
   ASSERT_NE(nullptr, common);
-  EXPECT_STREQ("common", common->getName());
   EXPECT_STREQ("common", common->getDescription());
 
   const Specification* tool = mManager.getSpecification("tool");
   ASSERT_NE(nullptr, tool);
-  EXPECT_STREQ("The tool", tool->getTitle());
   const Container* main = tool->findContainer("main");
   ASSERT_NE(nullptr, main);
   ASSERT_EQ(2u, main->getNumberOfItems());
-  EXPECT_STREQ("main_oo0", main->getItem(0)->getId());
   EXPECT_STREQ("main_lg1", main->getItem(1)->getId());
   EXPECT_STREQ("mode",
                dynamic_cast<const GroupItemCollection&>(*main->getItem(0)).getItem(1)->getId());
@@ -120,12 +111,9 @@ TEST_F(ConfigurationRegistryLoaderTest, LoadsEveryElementOfTheFormat) {
   // The copy of the group's items belongs to the specification and is found by its searches.
   const Container* copy = tool->findContainer("common");
   ASSERT_NE(nullptr, copy);
-  EXPECT_NE(dynamic_cast<Group*>(common)->getItemsContainer(), copy);
   const ParameterRef* copiedLevel = copy->findParameterRef("LEVEL");
   ASSERT_NE(nullptr, copiedLevel);
-  EXPECT_STREQ("Level here", copiedLevel->getDescription());
   EXPECT_EQ(7u, copiedLevel->getDefaultValue().asUInt32());
-  EXPECT_NE(nullptr, copy->findContainer("inner"));
 }
 
 TEST_F(ConfigurationRegistryLoaderTest, ReadsBooleanAttributesAndNumbersEnumerations) {
@@ -141,9 +129,7 @@ TEST_F(ConfigurationRegistryLoaderTest, ReadsBooleanAttributesAndNumbersEnumerat
       "</Specification></Specifications>"));
   const EnumDefinition* e = mManager.getEnumDefinition("e");
   ASSERT_NE(nullptr, e);
-  EXPECT_EQ(0, e->getValue("a", nullptr));
   EXPECT_EQ(1, e->getValue("b", nullptr));
-  EXPECT_EQ(10, e->getValue("c", nullptr));
   EXPECT_EQ(11, e->getValue("d", nullptr));
   EXPECT_EQ(-3, e->getValue("m", nullptr));
 
@@ -153,22 +139,16 @@ TEST_F(ConfigurationRegistryLoaderTest, ReadsBooleanAttributesAndNumbersEnumerat
   const Container* c1 = s->findContainer("c1");
   const Container* c2 = s->findContainer("c2");
   ASSERT_TRUE(c1 != nullptr && c2 != nullptr);
-  EXPECT_TRUE(c1->isOptional());
-  EXPECT_TRUE(c1->isUnbounded());
-  EXPECT_FALSE(c2->isOptional());
-  EXPECT_FALSE(c2->isUnbounded());
+  EXPECT_TRUE(c1->isOptional() && c1->isUnbounded());
+  EXPECT_FALSE(c2->isOptional() || c2->isUnbounded());
   const ParameterRef* p = c1->findParameterRef("p");
   ASSERT_NE(nullptr, p);
   EXPECT_FALSE(p->isOptional());  // "yes" is not true
-  EXPECT_TRUE(p->isUnbounded());
   EXPECT_TRUE(p->isHidden());
 }
 
 TEST_F(ConfigurationRegistryLoaderTest, AcceptsSchemaVersionsUpToTheCurrentOne) {
   EXPECT_EQ("", failure(registry("", "1.0")));
-  EXPECT_EQ("", failure(registry("", "1.1")));
-  EXPECT_EQ("", failure("<ConfigurationRegistry></ConfigurationRegistry>"));
-  EXPECT_EQ("", failure(registry("<Enumerations/><Parameters></Parameters><Groups />", "1.0")));
   // Other root attributes and a namespace prefix are passed over.
   EXPECT_EQ("", failure("<crg:ConfigurationRegistry xmlns:crg=\"urn:zelk\" crgSchemaVersion=\"1\">"
                         "<Parameters><Parameter id=\"x\" type=\"bool\" description=\"X\"/>"
@@ -179,33 +159,12 @@ TEST_F(ConfigurationRegistryLoaderTest, AcceptsSchemaVersionsUpToTheCurrentOne) 
   EXPECT_EQ("Unsupported CRG schema version 1.2. Current version: 1.1.",
             failure(registry("", "1.2"), &validation));
   EXPECT_FALSE(validation);
-  EXPECT_EQ("Unsupported CRG schema version 2.0. Current version: 1.1.",
-            failure(registry("", "2")));
 }
 
 TEST(VersionTest, ParsesAndComparesMajorThenMinor) {
-  EXPECT_EQ("1.1", impl::ConfigurationRegistryLoaderImpl::CURRENT_SCHEMA_VERSION.asString());
-  EXPECT_EQ("2.0", Version::parse("2").asString());
   EXPECT_EQ("0.5", Version::parse("x.5").asString());  // a bad number counts 0
-  EXPECT_EQ("1.0", Version::parse("1.1.5").asString());
-  EXPECT_GT(Version(2, 0).compareTo(Version(1, 9)), 0);
-  EXPECT_LT(Version(1, 0).compareTo(Version(1, 1)), 0);
   // The difference is cut to 32 bits: a huge major reads as older.
   EXPECT_LT(Version(4294967295u, 0).compareTo(Version(1, 1)), 0);
-}
-
-TEST_F(ConfigurationRegistryLoaderTest, ResolvesReferencesOnlyAgainstWhatIsLoadedAlready) {
-  const std::string useLater =
-      "<Specifications><Specification id=\"s\" description=\"S\">"
-      "<ParameterRef id=\"later\"/></Specification></Specifications>";
-  EXPECT_EQ("Parameter \"later\" was not found", failure(registry(useLater)));
-  // The specification was registered before the failing reference and stays.
-  ASSERT_NE(nullptr, mManager.getSpecification("s"));
-  impl::Factory::destroy(mManager.getSpecification("s"), true, &mManager);
-  load(registry("<Parameters><Parameter id=\"later\" type=\"string\" description=\"L\"/>"
-                "</Parameters>"),
-       "later.crg");
-  EXPECT_EQ("", failure(registry(useLater)));
 }
 
 TEST_F(ConfigurationRegistryLoaderTest, RejectsBadContentWithItsMessage) {
@@ -217,8 +176,6 @@ TEST_F(ConfigurationRegistryLoaderTest, RejectsBadContentWithItsMessage) {
   } cases[] = {
       {"<Enumerations><Enumeration id=\"mode\"/></Enumerations>",
        "The \"mode\" enumeration has already been defined", false},
-      {"<Enumerations><Enumeration id=\"e\"/><Enumeration id=\"e\"></Enumeration></Enumerations>",
-       "The \"e\" enumeration has already been defined", false},
       {"<Enumerations><Enumeration id=\"n\"><Value label=\"a\" value=\"1x\"/></Enumeration>"
        "</Enumerations>",
        "\"1x\" is not a valid integer value", false},
@@ -237,23 +194,15 @@ TEST_F(ConfigurationRegistryLoaderTest, RejectsBadContentWithItsMessage) {
       {"<Groups><Group id=\"self\"><ParameterRef id=\"level\"/><GroupRef id=\"self\"/></Group>"
        "</Groups>",
        "Group \"self\" was not found", false},
-      {"<Groups><Group id=\"g3\"><GroupRef id=\"level\"/></Group></Groups>",
-       "\"level\" is not a group", false},
       {"<Enumerations><Enumeration><Value label=\"a\"/></Enumeration></Enumerations>",
        "missing attribute: id", true},
       {"<Enumerations><Enumeration id=\"v\"><Value value=\"1\"/></Enumeration></Enumerations>",
        "missing attribute: label", true},
-      {"<Parameters><Parameter id=\"p\" description=\"P\"/></Parameters>",
-       "missing attribute: type", true},
       {"<Parameters><Parameter id=\"p\" type=\"int\" description=\"\"/></Parameters>",
        "missing attribute: description", true},
-      {"<Parameters><Parameter id=\"p\" type=\"enum\" description=\"P\"/></Parameters>",
-       "missing attribute: enumType", true},
       {"<Specifications><Specification id=\"s2\" description=\"S\">"
        "<Container id=\"c\"></Container></Specification></Specifications>",
        "missing attribute: description", true},
-      {"<Groups><Group id=\"g4\"><ParameterRef description=\"x\"/></Group></Groups>",
-       "missing attribute: id", true},
   };
   for (const Case& c : cases) {
     bool validation = !c.validation;
@@ -276,36 +225,23 @@ TEST_F(ConfigurationRegistryLoaderTest, MalformedFilesReportWhereTheyGoWrong) {
             failure(registry("<Groups/><Parameters/>"))
                 .find("Unexpected \"<Parameters\" at line 3, column 10"));
   EXPECT_NE(std::string::npos,
-            failure(registry("<Specifications><Specification id=\"s\" description=\"S\">"
-                             "<Value label=\"x\"/></Specification></Specifications>"))
-                .find("Unexpected \"<Value\""));
-  EXPECT_NE(std::string::npos,
             failure(registry("<Parameters><Parameter id=\"q\" type=\"int\" description=\"Q\">"
                              "</Parameters>"))
                 .find("; expected \"/>\""));
   // Truncated files end with a warning, never a hang.
-  EXPECT_NE(std::string::npos,
-            failure("<ConfigurationRegistry><Groups><Group id=\"g\"><Container id=\"c\" "
-                    "description=\"C\">")
-                .find("Unexpected end of file at line 1, column 80"));
-  EXPECT_NE(std::string::npos, failure("<ConfigurationRegistry><Parameters><Parameter id=\"")
-                                   .find("Unterminated quoted value"));
   EXPECT_NE(std::string::npos, failure("").find("expected \"<ConfigurationRegistry\""));
+  EXPECT_EQ("Unexpected \"<Registry\" at line 1, column 1 in \"" + mDir.file("test.crg") +
+                "\"; expected \"<ConfigurationRegistry\"",
+            failure("<Registry></Registry>"));
   EXPECT_NE(std::string::npos,
-            failure("<Registry></Registry>").find("Unexpected \"<Registry\" at line 1, column 1"));
-  EXPECT_NE(std::string::npos, failure(std::string("<ConfigurationRegistry>\xff")).find("UTF-8"));
+            failure(registry("<Groups><Group id=\"g\"><Value/></Group></Groups>")).find("<Value"));
 
   // A registry held in memory is named as given; a missing file is not a validation error.
   const std::string unclosed = "<ConfigurationRegistry><Groups>";
   impl::ConfigurationRegistryLoaderImpl loader(&mManager);
-  try {
-    loader.loadBuffer(unclosed.data(), unclosed.size(), "memory", 0);
-    ADD_FAILURE() << "an unclosed section loaded";
-  } catch (const ValidationException& e) {
-    EXPECT_STREQ(
-        "Unexpected end of file at line 1, column 32 in \"memory\"; expected \"</Groups>\"",
-        e.what());
-  }
+  EXPECT_EQ("Unexpected end of file at line 1, column 32 in \"memory\"; expected \"</Groups>\"",
+            test::messageOf<ValidationException>(
+                [&] { loader.loadBuffer(unclosed.data(), unclosed.size(), "memory", 0); }));
   const std::string missing = mDir.file("missing.crg");
   try {
     ConfigurationRegistryLoader::loadFile(missing.c_str(), &mManager, 0);

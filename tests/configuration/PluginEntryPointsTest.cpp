@@ -53,18 +53,4 @@ TEST_F(PluginEntryPointsTest, TheHostFindsBothEntryPointsUnderTheirPlainNames) {
   EXPECT_EQ(ConfigurationManager::getInstance(), dynamic_cast<ConfigurationManager*>(base));
 }
 
-TEST_F(PluginEntryPointsTest, CreatePluginGivesTheOneDefaultManager) {
-  ASSERT_NE(nullptr, mLibrary) << dlerror();
-  mInstallation.writeEtcFile("zelk.crg",
-                             "<?xml version=\"1.0\"?>\n"
-                             "<ConfigurationRegistry crgSchemaVersion=\"1.1\">\n"
-                             "</ConfigurationRegistry>\n");
-  CreateFunction create = reinterpret_cast<CreateFunction>(dlsym(mLibrary, "createPlugin"));
-  ASSERT_NE(nullptr, create);
-  void* first = create();
-  ASSERT_NE(nullptr, first);
-  EXPECT_EQ(first, create());
-  EXPECT_EQ(static_cast<ConfigurationManagerBase*>(ConfigurationManager::getInstance()), first);
-}
-
 }  // namespace

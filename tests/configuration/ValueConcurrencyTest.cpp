@@ -7,13 +7,10 @@
 #include <cstdint>
 #include <functional>
 #include <mutex>
-#include <string>
 #include <thread>
-#include <vector>
 
-#include "ValueTestModel.h"
+#include "configuration/Models.h"
 #include "zelk/configuration/ConfigurationListener.h"
-#include "zelk/configuration/ValueGroup.h"
 #include "zelk/configuration/ValueGroupIterator.h"
 #include "zelk/configuration/ValueIterator.h"
 #include "zelk/configuration/impl/ListenerManager.h"

@@ -1,27 +1,36 @@
-// Retrieval of a tool's values through the process-wide manager: providers asked in registry key
-// order and merged, the merged tree validated and cached per specification id, and the
-// application's own values (see impl/ArchiveToolModel.h for the tools).
+// The value providers end to end, on the archive and restore tools (see Models.h): the command
+// line and value files become matched, validated value trees; the process-wide manager asks its
+// providers in registry key order, merges and validates their trees and caches the result per
+// specification id; the application's own values are announced.
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
+#include <fstream>
 
-#include "configuration/impl/ArchiveToolModel.h"
+#include "configuration/Models.h"
 #include "support/TempDir.h"
 #include "support/TextFiles.h"
 #include "zelk/configuration/ApplicationValueProvider.h"
 #include "zelk/configuration/ConfigurationListener.h"
 #include "zelk/configuration/UnboundedValue.h"
 #include "zelk/configuration/Value.h"
-#include "zelk/configuration/ValueGroup.h"
+#include "zelk/configuration/ValueFileWriter.h"
+#include "zelk/configuration/ValueGroupIterator.h"
+#include "zelk/configuration/ValueIterator.h"
 #include "zelk/configuration/XmlFileValueProvider.h"
 #include "zelk/configuration/impl/CommandLineValueProvider.h"
+#include "zelk/configuration/impl/CommandLineValueProviderImpl.h"
 #include "zelk/configuration/impl/ConfigurationManagerImpl.h"
+#include "zelk/configuration/impl/ParameterPrefixIndex.h"
 
 using namespace zelk::configuration;
+using zelk::configuration::impl::CommandLineValueProviderImpl;
 using zelk::test::messageOf;
+typedef zelk::test::ArchiveToolModel Model;
 
 namespace {
+
+// The manager skips the required and one-of checks of providers.
+const int PROVIDER_CHECKS = 0x14;
 
 class ValueRetrievalTest : public ::testing::Test {
 protected:
@@ -70,18 +79,14 @@ TEST_F(ValueRetrievalTest, ApplicationValuesWinOverTheCommandLineOverFilesInOrde
   mManager->setApplicationValues(mine, 0);
 
   ValueGroup values = mManager->getValueGroup("archive", true, 0);
-  EXPECT_TRUE(values.isComplete());
   EXPECT_EQ("app", values.getValue("name").asString());
   EXPECT_EQ("/file2", values.getValue("target").asString());
   EXPECT_EQ(8, values.getValue("level").asInt32());
-  EXPECT_TRUE(values.getValue("verbose").asBool());
   UnboundedValue paths = values.getUnboundedValue("paths");
   ASSERT_EQ(3u, paths.getValueCount());
-  EXPECT_EQ("/c", paths.asString(0));
   EXPECT_EQ("/f2", paths.asString(2));
   // A bounded container merges into the first file's group; an unbounded one gets one per file.
   EXPECT_EQ(1u, values.getItemCount("db"));
-  EXPECT_EQ("d1", values.getValueGroup("db").getValue("dbname").asString());
   EXPECT_EQ(7, values.getValueGroup("db").getValue("dbport").asInt32());
   EXPECT_EQ(2u, values.getItemCount("mirror"));
 }
@@ -94,9 +99,6 @@ TEST_F(ValueRetrievalTest, ValuesAreCachedPerIdWhateverTheFlagsOrCase) {
   ValueGroup cached = mManager->getValueGroup("archive", false, 0x10);
   EXPECT_EQ(first, cached.getInstanceId());
   EXPECT_EQ("/t", cached.getValue("target").asString());
-  // A specification whose id differs only in case shares the entry.
-  impl::Factory::createSpecification("ARCHIVE", "", "", "Another tool", false, mManager);
-  EXPECT_EQ(first, mManager->getValueGroup("ARCHIVE", true, 0).getInstanceId());
 
   // Registering a provider keeps the cache; installing application values clears it.
   addFile("<archive target=\"/late\"/>");
@@ -105,8 +107,6 @@ TEST_F(ValueRetrievalTest, ValuesAreCachedPerIdWhateverTheFlagsOrCase) {
   ValueGroup fresh = mManager->getValueGroup("archive", true, 0);
   EXPECT_EQ("/other", fresh.getValue("target").asString());
   EXPECT_EQ("/t", cached.getValue("target").asString());  // handed out earlier, still alive
-  mManager->getImpl()->clearValueCache();
-  EXPECT_NE(fresh.getInstanceId(), mManager->getValueGroup("archive", true, 0).getInstanceId());
 }
 
 TEST_F(ValueRetrievalTest, TreesHandedOutKeepTheirValuesWhateverBecomesOfTheProviders) {
@@ -169,11 +169,7 @@ TEST_F(ValueRetrievalTest, MissingValuesAndBrokenValues) {
   mManager->registerValueProvider(new impl::CommandLineValueProvider(1, ""));
   EXPECT_EQ("The \"restore\" group was not found", error("restore", true));
   ValueGroup empty = mManager->getValueGroup("restore", false, 0);
-  EXPECT_EQ(mModel.restore->getItemsContainer(), empty.getGroupItem());
-  EXPECT_EQ(0u, empty.getItemCount());
   EXPECT_EQ(empty.getInstanceId(), mManager->getValueGroup("restore", true, 0).getInstanceId());
-  impl::Factory::createSpecification("restore", "", "", "Again", false, mManager);
-  EXPECT_EQ("Duplicate specification \"restore\"", error("restore", false));
 
   // Providers skip the required and one-of checks; the merged tree gets them with the caller's
   // flags, and a failure caches nothing.
@@ -246,11 +242,331 @@ TEST_F(ValueRetrievalTest, ApplicationValuesAreAnnounced) {
   own.enableProvider(group(0), 0);
   EXPECT_EQ(std::vector<std::string>({"added 1", "added 1", "added 1", "removed 1", "added 0"}),
             watcher.events);
-  EXPECT_EQ("setArguments(int, const char const*, const char*, int) is not supported",
-            messageOf([&] { own.enableProvider(0, nullptr, "archive", 0); }));
   mManager->registerValueProvider(new ApplicationValueProvider(0, ""));
   EXPECT_EQ("Duplicate provider \"APP_VALUES\"",
             messageOf([&] { mManager->setApplicationValues(mine, 0); }));
+}
+
+
+const char* const ARCHIVE_FILE =
+    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+    "<!-- the nightly archive -->\n"
+    "<archive name=\"nightly\" target=\"/backups\" LEVEL=\"5\" verbose=\"true\">\n"
+    "  <paths value=\"/home\"/>\n"
+    "  <paths value=\"/etc\"/>\n"
+    "  <PATHS value=\"/var\"><ignored value=\"x\"/></PATHS>\n"
+    "  <db dbname=\"main\" dbport=\"6000\"/>\n"
+    "  <mirror host=\"a\"/>\n"
+    "  <mirror host=\"b\"/>\n"
+    "</archive>\n";
+
+// Values for two tools in one file, below an element that names neither.
+const char* const SHARED_FILE =
+    "<configuration>\n"
+    "  <restore source=\"/backups\"><hosts value=\"h1\"/><hosts value=\"h2\"/></restore>\n"
+    "  <archive target=\"/t\"/>\n"
+    "</configuration>\n";
+
+// The tree as text: names, texts and nesting, in order; what a round trip must keep.
+std::string dump(const ValueGroup& group) {
+  std::string text = std::string(group.getName()) + "{";
+  for (std::size_t i = 0; i < group.getItemCount(); ++i) {
+    const auto item = group.getItem(i);
+    if (item->isValueGroup()) {
+      text += dump(*boost::static_pointer_cast<ValueGroup>(item));
+      continue;
+    }
+    text += std::string(item->getName()) + "=";
+    for (ValueIterator entry = static_cast<const ValueBase&>(*item).getIterator(); entry.next();)
+      text += "[" + entry.asString() + "]";
+  }
+  return text + "}";
+}
+
+class XmlFileValueProviderTest : public ::testing::Test {
+protected:
+  XmlFileValueProviderTest() : mManager(new ConfigurationManager()), mModel(mManager) {}
+  ~XmlFileValueProviderTest() override { delete mManager; }
+
+  // Writes content to a file and has provider load it.
+  std::string load(XmlFileValueProvider& provider, const std::string& name,
+                   const std::string& content) {
+    const std::string path = mDir.file(name);
+    zelk::test::writeTextFile(path, content);
+    provider.enableProvider(path.c_str(), 0);
+    return path;
+  }
+
+  zelk::test::TempDir mDir;
+  ConfigurationManager* mManager;
+  zelk::test::ArchiveToolModel mModel;
+  XmlFileValueProvider mProvider{3, "nightly values"};
+};
+
+TEST_F(XmlFileValueProviderTest, AValueFileBecomesAMatchedTree) {
+  const std::string path = load(mProvider, "archive.xml", ARCHIVE_FILE);
+  EXPECT_EQ(path, mProvider.getXmlFilePath());
+  ValueGroup values = mProvider.getValues(*mModel.archive, 0);
+  EXPECT_EQ(5, values.getValue("level").asInt32());
+  // Three elements of the unbounded parameter become three entries; their contents are dropped.
+  UnboundedValue paths = values.getUnboundedValue("paths");
+  ASSERT_EQ(3u, paths.getValueCount());
+  EXPECT_EQ("/var", paths.asString(2));
+  EXPECT_EQ(6000, values.getValueGroup("db").getValue("dbport").asInt32());
+  EXPECT_EQ(2u, values.getItemCount("mirror"));
+  // Every request gets its own copy.
+  values.getValue("name").set("changed");
+  EXPECT_EQ("nightly", mProvider.getValues(*mModel.archive, 0).getValue("name").asString());
+}
+
+TEST_F(XmlFileValueProviderTest, OneFileServesSeveralToolsRewrittenForTheFirst) {
+  load(mProvider, "shared.xml", SHARED_FILE);
+  ValueGroup restore = mProvider.getValues(*mModel.restore, PROVIDER_CHECKS);
+  EXPECT_EQ(2u, restore.getUnboundedValue("hosts").getValueCount());
+  EXPECT_EQ("/t", mProvider.getValues(*mModel.archive, 0).getValue("target").asString());
+
+  // Asked for the archive first, the restore tool's "hosts" elements stay elements, which the
+  // restore tool does not know.
+  XmlFileValueProvider archiveFirst(2, "");
+  load(archiveFirst, "shared.xml", SHARED_FILE);
+  EXPECT_EQ(1u, archiveFirst.getValues(*mModel.archive, PROVIDER_CHECKS).getItemCount());
+  EXPECT_EQ(0u, messageOf([&] {
+                  archiveFirst.getValues(*mModel.restore, PROVIDER_CHECKS);
+                }).find("\"hosts\" is not a recognized container"));
+
+  // A file without a part for the tool gives an empty group for it, not a null one; a new file
+  // is rewritten again, for the next tool asked.
+  load(mProvider, "restore.xml", "<restore><hosts value=\"h\"/></restore>");
+  EXPECT_EQ(1u, mProvider.getValues(*mModel.restore, 0).getUnboundedValue("hosts").getValueCount());
+  EXPECT_EQ(0u, mProvider.getValues(*mModel.archive, PROVIDER_CHECKS).getItemCount());
+}
+
+TEST_F(XmlFileValueProviderTest, FailuresSayWhatWentWrongAndKeepTheTree) {
+  load(mProvider, "archive.xml", ARCHIVE_FILE);
+  const std::string missing = mDir.file("missing%s.xml");
+  EXPECT_EQ("File \"" + missing + "\" was not found",
+            messageOf([&] { mProvider.setArguments(missing.c_str(), 0); }));
+  const std::string broken = mDir.file("broken.xml");
+  zelk::test::writeTextFile(broken, "<archive name=\"x\">\n  <db dbname=\"y\">\n");
+  try {
+    mProvider.setArguments(broken.c_str(), 0);
+    ADD_FAILURE() << "no exception";
+  } catch (const ValidationException& e) {
+    EXPECT_NE(std::string::npos, std::string(e.what()).find("line 3, column 1")) << e.what();
+  }
+  EXPECT_EQ("nightly", mProvider.getValues(*mModel.archive, 0).getValue("name").asString());
+
+  EXPECT_EQ("Must provide at least one argument",
+            messageOf([&] { mProvider.setArguments(0, nullptr, "archive", 0); }));
+
+  load(mProvider, "novalue.xml", "<archive><paths Value=\"ok\"/><paths/></archive>");
+  EXPECT_EQ("\"paths\" is not a valid parameter",
+            messageOf([&] { mProvider.getValues(*mModel.archive, 0); }));
+  // An unknown element's attributes are resolved against the enclosing container.
+  load(mProvider, "unknown.xml",
+       "<archive bogus=\"%s%n\" target=\"t\"><nosuch level=\"1\"/></archive>");
+  EXPECT_EQ("\"bogus\" is not a recognized parameter\n\"nosuch\" is not a recognized container",
+            messageOf([&] { mProvider.getValues(*mModel.archive, PROVIDER_CHECKS); }));
+  // Texts are checked against the parameter's type when they are read.
+  load(mProvider, "level.xml", "<archive level=\"%999999999d\"/>");
+  Value level = mProvider.getValues(*mModel.archive, PROVIDER_CHECKS).getValue("level");
+  EXPECT_EQ("\"%999999999d\" is not a valid Int32", messageOf([&] { level.asInt32(); }));
+}
+
+TEST_F(XmlFileValueProviderTest, WrittenValuesReadBackTheSame) {
+  // Texts that need escaping (a tab and a line end would otherwise read back as spaces) and
+  // non-ASCII text, an unbounded parameter, a one-of member and two instances of a container.
+  load(mProvider, "archive.xml",
+       "<archive name=\"a &amp; &lt;b&gt; &quot;q&quot; '&#9;x&#10;y&#13;z\" target=\"Gr\xC3\xBC\xC3\x9F "
+       "\xE2\x82\xAC \xF0\x9F\x98\x80\" fast=\"true\"><paths value=\"/a b\"/><paths value=\"\"/>"
+       "<db dbname=\"main\"/><mirror host=\"m1\"/><mirror host=\"m2\"/></archive>");
+  const ValueGroup values = mProvider.getValues(*mModel.archive, 0);
+  const std::string path = mDir.file("written.xml");
+  ValueFileWriter::writeFile(path.c_str(), *mModel.archive, values);
+  XmlFileValueProvider reader(1, "");
+  reader.enableProvider(path.c_str(), 0);
+  EXPECT_EQ(dump(values), dump(reader.getValues(*mModel.archive, 0)));
+  EXPECT_NE(std::string::npos, zelk::test::readTextFile(path).find(
+      "<archive name=\"a &amp; &lt;b&gt; &quot;q&quot; '&#9;x&#10;y&#13;z\""));
+
+  // Trees that cannot be written: nothing is written then.
+  const auto refused = [&](const ValueGroup& tree) {
+    return messageOf([&] { ValueFileWriter::writeFile(mDir.file("refused.xml").c_str(), *mModel.archive, tree); });
+  };
+  EXPECT_EQ("The values do not belong to the \"archive\" specification: their group is bound to "
+            "\"restore\"", refused(ValueGroup(mModel.restore)));
+  ValueGroup tree(mModel.archive);
+  tree.addValue("name", "bell\x07");
+  EXPECT_EQ("The text of \"name\" holds the character U+0007 at offset 4, which XML 1.0 cannot carry",
+            refused(tree));
+  tree.getValue("name").set("\xC3(");
+  EXPECT_EQ("The text of \"name\" is not UTF-8 (byte 0xC3 at offset 0)", refused(tree));
+  tree.getValue("name").set(std::string(1025, 'x').c_str());
+  EXPECT_EQ("The text of \"name\" is 1025 bytes long; a value file holds at most 1024 bytes a value",
+            refused(tree));
+  tree = ValueGroup(mModel.archive);
+  tree.addValue("dbname", "not here");
+  EXPECT_EQ("The value tree does not fit the \"archive\" specification: \"dbname\" is not an item "
+            "of \"archive\"", refused(tree));
+  EXPECT_FALSE(std::ifstream(mDir.file("refused.xml")).good());
+}
+
+class CommandLineValueProviderTest : public ::testing::Test {
+protected:
+  CommandLineValueProviderTest() : mModel(mSingleton.manager()), mProvider(1, "") {}
+
+  // Parses "tool" followed by words for the tool id, then gets the values for the archive tool.
+  ValueGroup parse(const std::vector<std::string>& words, int options = 0,
+                   int checks = PROVIDER_CHECKS, const char* id = "archive") {
+    std::vector<const char*> argv(1, "tool");
+    for (const std::string& word : words) argv.push_back(word.c_str());
+    mProvider.enableProvider(static_cast<int>(argv.size()), argv.data(), id, options);
+    return mProvider.getValues(*mModel.archive, checks | options);
+  }
+
+  // The message of what parse throws.
+  std::string error(const std::vector<std::string>& words, int options = 0,
+                    int checks = PROVIDER_CHECKS, const char* id = "archive") {
+    return messageOf([&] { parse(words, options, checks, id); });
+  }
+
+  zelk::test::SingletonManager mSingleton;
+  Model mModel;
+  impl::CommandLineValueProvider mProvider;
+};
+
+TEST_F(CommandLineValueProviderTest, ATypicalCommandLineBecomesAMatchedTree) {
+  ValueGroup tree = parse({"-verb", " -NAME ", "  nightly ", "-tar", "/backups", "-paths", "/a",
+                           "-paths", "/b", "-lev", "7", "-SECRETMODE"});
+  ASSERT_EQ(6u, tree.getItemCount());
+  for (size_t i = 0; i < tree.getItemCount(); ++i) EXPECT_TRUE(tree.getItem(i)->isMatched()) << i;
+  EXPECT_TRUE(tree.getValue("verbose").asBool());
+  EXPECT_EQ("nightly", tree.getValue("name").asString());
+  UnboundedValue paths = tree.getUnboundedValue("paths");
+  ASSERT_EQ(2u, paths.getValueCount());
+  EXPECT_EQ("/b", paths.asString(1));
+  // A hidden parameter is never abbreviated, but its full name is bound late.
+  EXPECT_TRUE(tree.getValue("secretMode").asBool());
+  EXPECT_EQ("\"secret\" is not a recognized parameter", error({"-secret"}));
+}
+
+TEST_F(CommandLineValueProviderTest, WordsAreReadOneByOne) {
+  EXPECT_EQ("\"5\" is not a recognized parameter", error({"-v", "-5"}));
+  EXPECT_EQ("Must provide a value for the \"name\" parameter.", error({"-n", "-5"}));
+  EXPECT_TRUE(parse({"-verbose", "", "-target", "t"}).getValue("verbose").asBool());
+  EXPECT_EQ("The \"file.txt\" command line argument is not recognized", error({"file.txt"}));
+  mProvider.reset();
+  EXPECT_EQ("A command line parameter cannot be empty", error({"-target", "t", " - "}));
+  EXPECT_FALSE(mProvider.getEnabled());  // parsing stopped there
+
+  // Option 2 takes bare words as flags and skips the unmatched check that would report them.
+  ValueGroup tree = parse({"file.txt", "verbose"}, 0x2);
+  EXPECT_STREQ("file.txt", tree.getItem(0)->getName());
+  EXPECT_TRUE(tree.getValue("verbose").asBool());
+  EXPECT_EQ("A command line parameter cannot be empty", error({" "}, 0x2));
+}
+
+TEST_F(CommandLineValueProviderTest, ArgumentsAreCheckedBeforeParsing) {
+  const char* programOnly[] = {"tool"};
+  auto invalid = [&](int argc, const char* const* argv, const char* id) {
+    return messageOf([&] { mProvider.enableProvider(argc, argv, id, 0); });
+  };
+  EXPECT_EQ("<no exception>", invalid(0, nullptr, nullptr));  // argc is tested first
+  EXPECT_EQ("Must provide an argument array", invalid(1, nullptr, "archive"));
+  EXPECT_EQ("Must provide a Specification id", invalid(1, programOnly, ""));
+  EXPECT_EQ("The \"nosuch%s\" specification was not found", invalid(1, programOnly, "nosuch%s"));
+}
+
+TEST_F(CommandLineValueProviderTest, FlagsAreAbbreviatedUnlessExactNamesAreAsked) {
+  // No preference for an exact name; candidates anywhere in the tree, in specification order.
+  EXPECT_EQ(
+      "The flag \"po\" is ambiguous, matching the following allowed flags: port, portRange. "
+      "Please be more specific.",
+      error({"-po", "1"}));
+  ValueGroup exact = parse({"-PORT", "8", "-portrange", "1-9"}, 0x1);
+  EXPECT_EQ("1-9", exact.getValue("portRange").asString());
+  EXPECT_EQ("\"po\" is not a recognized parameter", error({"-po", "1"}, 0x1));
+}
+
+TEST_F(CommandLineValueProviderTest, RepetitionsAndOtherToolsAreLeftToTheirOwners) {
+  EXPECT_EQ(
+      "A required flag was not specified. You must provide one of the following flags: "
+      "target",
+      error({"-fast", "-small"}, 0, 0));
+  EXPECT_EQ(
+      "The \"fast\" and \"small\" parameters are mutually exclusive, you can only specify "
+      "one.",
+      error({"-fast", "-small", "-target", "t"}, 0, 0));
+  EXPECT_EQ("The \"name\" parameter cannot be provided more than once",
+            error({"-name", "a", "-name", "b"}));
+  // Values parsed for the restore tool never reach the archive tool.
+  EXPECT_EQ(0u,
+            parse({"-hosts", "h1", "-hosts", "h2"}, 0, PROVIDER_CHECKS, "restore").getItemCount());
+  EXPECT_EQ(2u, mProvider.getValues(*mModel.restore, 0).getUnboundedValue("hosts").getValueCount());
+}
+
+TEST_F(CommandLineValueProviderTest, HostileWordsGiveOrdinaryMessages) {
+  EXPECT_EQ("The \"%s%s%s%n\" command line argument is not recognized", error({"%s%s%s%n"}));
+  EXPECT_EQ("\"%999999999d\" is not a valid Int32", error({"-level", "%999999999d"}));
+  EXPECT_EQ("\"%s%s%s%n\" is not a recognized parameter", error({"-%s%s%s%n", "%n"}));
+  const std::string invalid = "\xff\xfe\xc3(\x80";
+  EXPECT_EQ("\"" + invalid + "\" is not a recognized parameter", error({"-" + invalid}));
+  const std::string longWord(200000, 'x');
+  EXPECT_EQ(longWord, parse({"-name", longWord}).getValue("name").asString());
+  EXPECT_EQ(4095u, error({longWord}).size());  // messages are cut, not overflowed
+
+  // Candidate names with conversions are part of a format that reads nothing.
+  Specification* percent =
+      Model::Factory::createSpecification("percent", "", "", "A tool", false, mSingleton.manager());
+  mModel.ref(percent->getItemsContainer(), "p%s%n1", Parameter::STRING, 0);
+  mModel.ref(percent->getItemsContainer(), "p%s%n2", Parameter::STRING, 0);
+  EXPECT_EQ(
+      "The flag \"p%s\" is ambiguous, matching the following allowed flags: p%s%n1, "
+      "p%s%n2. Please be more specific.",
+      error({"-p%s", "x"}, 0, 0, "percent"));
+}
+
+TEST_F(CommandLineValueProviderTest, ThePrefixIndexAnswersAsTheWalkDoes) {
+  // Names sharing prefixes in several cases (non-ASCII bytes are not folded), spread over a
+  // nested container, one-ofs and logical groups, some hidden, one parameter used twice.
+  ConfigurationManager* manager = mSingleton.manager();
+  Specification* spec =
+      Model::Factory::createSpecification("wide", "", "", "A tool", false, manager);
+  GroupItemCollection* parents[4] = {spec->getItemsContainer()};
+  parents[1] = mModel.container(parents[0], "inner", Model::OPTIONAL);
+  parents[2] = Model::Factory::createOneOf(0);
+  Model::Factory::addItemToGroupItem(parents[1], parents[2]);
+  parents[3] = Model::Factory::createLogicalGroup(Model::OPTIONAL);
+  Model::Factory::addItemToGroupItem(parents[0], parents[3]);
+  const char* const stems[] = {"port", "Port",  "portRange", "PORTAL",    "po",
+                               "p",    "x-ray", "X_RAY",     "\xc3\xa9t", "\xc3\x89T"};
+  std::vector<std::string> queries = {"zzz", "\xc3", "-", "portRange99"};
+  const Parameter* first = 0;
+  size_t visible = 1;
+  for (int i = 0; i < 120; ++i) {
+    const std::string name = std::string(stems[i % 10]) + (i < 10 ? "" : std::to_string(i / 7));
+    for (size_t length = 1; length <= name.size(); ++length)
+      queries.push_back(name.substr(0, length));
+    const Parameter* parameter =
+        Model::Factory::createParameter(("n" + std::to_string(i)).c_str(), name.c_str(),
+                                        "A parameter", Parameter::STRING, 0, 0, 0, manager);
+    first = first ? first : parameter;
+    visible += i % 9 == 4 ? 0 : 1;
+    Model::Factory::addItemToGroupItem(
+        parents[i % 4],
+        Model::Factory::createParameterRef(parameter, i % 9 == 4 ? Model::HIDDEN : 0, 0));
+  }
+  Model::Factory::addItemToGroupItem(parents[0], Model::Factory::createParameterRef(first, 0, 0));
+  for (const Specification* searched : {static_cast<const Specification*>(spec),
+                                        static_cast<const Specification*>(mModel.archive)}) {
+    impl::ParameterPrefixIndex index(*searched);
+    for (const std::string& query : queries) {
+      EXPECT_EQ(CommandLineValueProviderImpl::findByPrefix(*searched, query.c_str()),
+                index.find(query.c_str()))
+          << query;
+    }
+  }
+  EXPECT_EQ(visible, impl::ParameterPrefixIndex(*spec).find("").size());
 }
 
 }  // namespace

@@ -34,43 +34,18 @@ TEST(ExtensionPointTest, ListsPluginsRegisteredInTheProcess) {
   const int first = hostRegisterPlugin(
       "InProcessPoint", "first", [] { return static_cast<void*>(new TestPluginObject{"first"}); });
   const int second = hostRegisterPlugin("InProcessPoint", "second", [] { return nullptr; });
-  const int other = hostRegisterPlugin("ElsewherePoint", "other", [] { return nullptr; });
   {
     ExtensionPoint point("InProcessPoint", 1, 1);
-    EXPECT_STREQ("InProcessPoint", point.getName());
-    EXPECT_EQ(1, point.getMajorVersion());
     ASSERT_EQ(2u, point.pluginCount());
     EXPECT_STREQ("first", point.plugin(0)->getName());
-    EXPECT_STREQ("InProcessPoint", point.plugin(0)->getExtensionPointName());
-    // Each call makes a new object.
-    EXPECT_EQ("first", made(point.plugin(0)));
     EXPECT_EQ("first", made(point.plugin(0)));
     EXPECT_EQ("(null)", made(point.plugin(1)));
     EXPECT_THROW(point.plugin(2), std::out_of_range);
   }
   hostUnregisterPlugin(first);
   hostUnregisterPlugin(second);
-  hostUnregisterPlugin(other);
-  hostUnregisterPlugin(12345);
   EXPECT_EQ(0u, ExtensionPoint("InProcessPoint", 1, 1).pluginCount());
-  EXPECT_THROW(ExtensionPoint("", 1, 1), std::invalid_argument);
   EXPECT_THROW(ExtensionPoint(nullptr, 1, 1), std::invalid_argument);
-  EXPECT_THROW(hostRegisterPlugin("", "x", [] { return nullptr; }), std::invalid_argument);
-}
-
-TEST(ExtensionPointTest, AFactoryThatThrowsIsLoggedOnceAndDisabled) {
-  zelk::test::MainLogCapture log;
-  const int id = hostRegisterPlugin("ThrowingPoint", "grumpy",
-                                    []() -> void* { throw std::runtime_error("not today"); });
-  ExtensionPoint point("ThrowingPoint", 1, 1);
-  ASSERT_EQ(1u, point.pluginCount());
-  EXPECT_EQ(nullptr, point.plugin(0)->createImplementation());
-  EXPECT_TRUE(point.plugin(0)->isDisabled());
-  EXPECT_EQ(nullptr, point.plugin(0)->createImplementation());
-  EXPECT_EQ(std::vector<std::string>{"Skipped plug-in \"grumpy\" of extension point "
-                                     "\"ThrowingPoint\": createPlugin() threw: not today"},
-            log.texts("Plugins"));
-  hostUnregisterPlugin(id);
 }
 
 TEST(ExtensionPointTest, LoadsPluginLibrariesFromThePluginsDirectory) {
@@ -86,15 +61,12 @@ TEST(ExtensionPointTest, LoadsPluginLibrariesFromThePluginsDirectory) {
   ASSERT_EQ(2u, point.pluginCount()) << log.dump();
   EXPECT_EQ(good, point.plugin(0)->getName());
   EXPECT_EQ(nested, point.plugin(1)->getName());
-  EXPECT_EQ("made by the good plug-in", made(point.plugin(0)));
   EXPECT_EQ("made by the good plug-in", made(point.plugin(1)));
   EXPECT_TRUE(log.entries().empty()) << log.dump();
 
   // Loaded once: a second extension point lists the same plug-ins without loading again.
   EXPECT_EQ(0u, hostLoadPlugins(ZELK_TEST_EXTENSION_POINT));
-  ExtensionPoint again(ZELK_TEST_EXTENSION_POINT, 1, 1);
-  EXPECT_EQ(2u, again.pluginCount());
-  EXPECT_EQ(point.plugin(0), again.plugin(0));
+  EXPECT_EQ(point.plugin(0), ExtensionPoint(ZELK_TEST_EXTENSION_POINT, 1, 1).plugin(0));
 
   // Another installation does not see this one's libraries.
   zelk::test::InstallationFixture empty;
@@ -117,6 +89,10 @@ TEST(ExtensionPointTest, SkipsBrokenAndUnsafeLibrariesWithOneLogLineEach) {
   const std::string worldWritable =
       installation.copyIntoPlugins(built("GoodPlugin"), "open/libinside.so");
   chmod((installation.pluginsDir() + "/open").c_str(), 0757);
+  // A safe directory below an unsafe one does not make the library safe; a world-writable file.
+  installation.copyIntoPlugins(built("GoodPlugin"), "team/safe/libdeep.so");
+  chmod((installation.pluginsDir() + "/team").c_str(), 0775);
+  chmod(installation.copyIntoPlugins(built("GoodPlugin"), "libopen.so").c_str(), 0757);
   // A link that leads out of the plug-ins directory.
   zelk::test::TempDir outside;
   const std::string elsewhere = outside.file("libelsewhere.so");
@@ -138,10 +114,13 @@ TEST(ExtensionPointTest, SkipsBrokenAndUnsafeLibrariesWithOneLogLineEach) {
       skipped + "/liblink.so\": it leads outside the plug-ins directory",
       skipped + "/libnocreate.so\": it does not export createPlugin()",
       skipped + "/libnoname.so\": it does not export extensionPointName()",
+      skipped + "/libopen.so\": it is writable by group or others",
       skipped + "/libother.so\": it belongs to extension point \"SomeOtherExtension\", not \"" +
           ZELK_TEST_EXTENSION_POINT + "\"",
       skipped + "/open/libinside.so\": the directory \"" + dir +
           "/open\" is writable by group or others",
+      skipped + "/team/safe/libdeep.so\": the directory \"" + dir +
+          "/team\" is writable by group or others",
   };
   const std::vector<std::string> lines = log.texts("Plugins");
   ASSERT_EQ(expected.size(), lines.size()) << log.dump();
@@ -155,31 +134,6 @@ TEST(ExtensionPointTest, SkipsBrokenAndUnsafeLibrariesWithOneLogLineEach) {
   EXPECT_EQ("made for another point", made(other.plugin(0)));
 }
 
-TEST(ExtensionPointTest, WritableFilesAndDirectoriesAnywhereOnThePathAreRefused) {
-  zelk::test::MainLogCapture log;
-  zelk::test::InstallationFixture installation;
-  const std::string dir = installation.pluginsDir();
-  // World-writable file; group-writable directory two levels above the library; a safe
-  // directory below an unsafe one does not make the library safe.
-  const std::string open = installation.copyIntoPlugins(built("GoodPlugin"), "libopen.so");
-  chmod(open.c_str(), 0757);
-  installation.copyIntoPlugins(built("GoodPlugin"), "team/safe/libdeep.so");
-  chmod((dir + "/team").c_str(), 0775);
-  // Writable by its owner only: loaded.
-  const std::string own = installation.copyIntoPlugins(built("GoodPlugin"), "mine/libown.so");
-  chmod(own.c_str(), 0700);
-
-  ExtensionPoint point(ZELK_TEST_EXTENSION_POINT, 1, 1);
-  ASSERT_EQ(1u, point.pluginCount()) << log.dump();
-  EXPECT_EQ(own, point.plugin(0)->getName());
-  const std::string skipped = "Skipped plug-in library \"" + dir;
-  EXPECT_EQ((std::vector<std::string>{
-                skipped + "/libopen.so\": it is writable by group or others",
-                skipped + "/team/safe/libdeep.so\": the directory \"" + dir +
-                    "/team\" is writable by group or others"}),
-            log.texts("Plugins"));
-}
-
 TEST(ExtensionPointTest, APluginLibraryWhoseCreatePluginThrowsIsSkippedWhenAsked) {
   zelk::test::MainLogCapture log;
   zelk::test::InstallationFixture installation;
@@ -187,19 +141,11 @@ TEST(ExtensionPointTest, APluginLibraryWhoseCreatePluginThrowsIsSkippedWhenAsked
   ExtensionPoint point(ZELK_TEST_EXTENSION_POINT, 1, 1);
   ASSERT_EQ(1u, point.pluginCount());
   EXPECT_EQ(nullptr, point.plugin(0)->createImplementation());
-  EXPECT_EQ(nullptr, point.plugin(0)->createImplementation());
+  EXPECT_EQ(nullptr, point.plugin(0)->createImplementation());  // logged once
   EXPECT_EQ(std::vector<std::string>{"Skipped plug-in \"" + path + "\" of extension point \"" +
                                      ZELK_TEST_EXTENSION_POINT +
                                      "\": createPlugin() threw: the plug-in refuses to start"},
             log.texts("Plugins"));
-}
-
-TEST(ExtensionPointTest, NoPluginsDirectoryMeansNoLibraries) {
-  zelk::test::InstallationFixture installation(zelk::test::InstallationFixture::ETC);
-  installation.copyIntoPlugins(built("GoodPlugin"), "libgood.so");
-  EXPECT_EQ(0u, hostLoadPlugins(ZELK_TEST_EXTENSION_POINT));
-  EXPECT_EQ(0u, ExtensionPoint(ZELK_TEST_EXTENSION_POINT, 1, 1).pluginCount());
-  EXPECT_THROW(hostLoadPlugins(""), std::invalid_argument);
 }
 
 }  // namespace

@@ -1,11 +1,7 @@
 // InstallationFixture: a temporary installation of the host (etc, plug-ins and configuration
 // directories) made current for the process while the object lives. The directories the host
 // gave before are restored on destruction.
-//
-//   zelk::test::InstallationFixture installation;
-//   installation.writeEtcFile("zelk.crg", registryText);
-//   installation.writeConfigFile("machine.config", "<machine/>");
-//   ... code that asks hostGetEtcDir() finds installation.etcDir() ...
+
 #pragma once
 
 #include <string>

@@ -1,8 +1,5 @@
 // MainLogCapture: the host main-log entries written while the object lives.
-//
-//   zelk::test::MainLogCapture log;
-//   manager->enableConfiguration(false, nullptr, 0, nullptr, nullptr);
-//   EXPECT_EQ(1u, log.texts("Configuration").size());
+
 #pragma once
 
 #include <cstddef>

@@ -1,7 +1,5 @@
 // TempDir: a fresh private directory below /tmp, removed with everything in it on destruction.
-//
-//   zelk::test::TempDir dir;
-//   zelk::test::writeTextFile(dir.file("a.xml"), "<a/>");
+
 #pragma once
 
 #include <string>

@@ -1,6 +1,5 @@
 // Writing and reading small text files in tests.
-//
-//   zelk::test::writeTextFile(dir.file("zelk.crg"), "<ConfigurationRegistry/>");
+
 #pragma once
 
 #include <string>
