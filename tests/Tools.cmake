@@ -132,6 +132,12 @@ zelk_output_test(zelk-config.values-unknown-attribute 1
 zelk_output_test(zelk-config.values-missing-file 1
   COMMAND ${zc} -values -spec zbackup ${example} -valueFile nosuch.xml
   MATCH "zelk-config: File \"@SOURCE_DIR@/examples/installation/config/nosuch.xml\" was not found")
+zelk_output_test(zelk-config.values-file-too-large 1
+  COMMAND ${zc} -values -spec zbackup ${example} -maxFileSize 600 -valueFile backup-nightly.xml
+  MATCH "zelk-config: File \"[^\"]*/etc/zelk.crg\" is [0-9]+ bytes long, more than the limit of 600 bytes")
+zelk_output_test(zelk-config.check-file-too-large 1
+  COMMAND ${zc} -check ${example} -maxFileSize 600
+  MATCH "zelk.crg\" is [0-9]+ bytes long, more than the limit of 600 bytes")
 zelk_output_test(zelk-config.values-unknown-specification 1
   COMMAND ${zc} -values -spec nosuch ${example}
   MATCH "zelk-config: The \"nosuch\" specification was not found")

@@ -24,6 +24,7 @@ struct Options {
   std::vector<std::string> valueFiles;
   bool noMachineConfig = false;
   std::size_t width = 0;                  // 0: the terminal's width
+  std::size_t maxFileSize = 0;            // 0: the library's default
   std::vector<std::string> toolArguments; // the words after "--": the tool's own command line
 };
 

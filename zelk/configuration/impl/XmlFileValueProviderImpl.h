@@ -10,6 +10,7 @@
 //   ValueGroup raw = impl.getSpecificationValues(*spec, 0);
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "zelk/configuration/ValueGroup.h"
@@ -23,8 +24,9 @@ public:
   ~XmlFileValueProviderImpl() override;
 
   // Loads the file at path. Throws ConfigurationException "File \"%s\" was not found" when it
-  // cannot be opened and ValidationException with the reader's message when it is malformed; in
-  // both cases the tree loaded before stays.
+  // cannot be opened, ConfigurationException naming its size and the limit when it is larger than
+  // getMaxFileSize() (see openXmlFile), and ValidationException with the reader's message when it
+  // is malformed; in each case the tree loaded before stays.
   void setArguments(const char* path, int options) override;
   // Loads argv[0]; throws ConfigurationException "Must provide at least one argument" when argc
   // is not positive.
@@ -38,12 +40,17 @@ public:
 
   const char* getXmlFilePath() const { return mXmlFilePath.c_str(); }
 
+  // The largest file the next setArguments reads (64 MiB unless set; the manager sets its own).
+  void setMaxFileSize(std::size_t bytes) { mMaxFileSize = bytes; }
+  std::size_t getMaxFileSize() const { return mMaxFileSize; }
+
 private:
   // The tree read from the file; a group named "XML_FILE" before the first load.
   mutable ValueGroup mValues;
   // True once parameter elements of mValues were rewritten.
   mutable bool mFixed;
   std::string mXmlFilePath;
+  std::size_t mMaxFileSize;
 };
 
 }  // namespace zelk::configuration::impl
