@@ -1,7 +1,12 @@
 // Name look-ups of large value groups and container searches, which answer from indexes: every
 // change that moves, renames or adds an item must be seen by the next look-up.
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
 #include <memory>
+#include <mutex>
 #include <string>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -99,6 +104,30 @@ TEST(ValueGroupNameIndexTest, RenamedItemsAreFoundUnderTheirNewName) {
   EXPECT_EQ("39", copy.getValue("item39").asString());
 }
 
+TEST(ValueGroupNameIndexTest, ARenameReachesTheGroupsThatHoldTheItemAndNoOthers) {
+  ValueGroup group = largeGroup();
+  const boost::shared_ptr<impl::ValueGroupState> state = impl::ValueAccess::peekState(group);
+  ASSERT_TRUE(state->hasCurrentIndex());
+  ValueGroup other("other");
+  other.addValue("x", "1");
+  other.findItem("x")->setName("y");
+  EXPECT_TRUE(state->hasCurrentIndex());  // an unrelated rename leaves the index as it is
+
+  // An item that another group holds as well is found under its new name in both.
+  ValueGroup second = largeGroup();
+  ValueGroup moved("moved");
+  group.add(moved);
+  second.add(moved);
+  moved.setName("renamedTwice");
+  EXPECT_TRUE(group.findItem("renamedTwice") != nullptr);
+  EXPECT_TRUE(second.findItem("renamedTwice") != nullptr);
+  // So is an item whose group was reset on its own, which leaves it in its parent.
+  ValueGroup inner = second.addGroup("inner");
+  inner.reset();
+  inner.setName("afterReset");
+  EXPECT_TRUE(second.findItem("afterReset") != nullptr);
+}
+
 class ContainerSearchIndexTest : public ::testing::Test {
 protected:
   ContainerSearchIndexTest() : mManager(Factory::createManager()) {
@@ -142,6 +171,52 @@ TEST_F(ContainerSearchIndexTest, SearchesSeeItemsAddedBelowAfterAnEarlierSearch)
   Factory::addItemToGroupItem(nested, ref("d"));
   EXPECT_TRUE(mRoot->findParameterRef("d") == nullptr);
   EXPECT_TRUE(nested->findParameterRef("d") != nullptr);
+}
+
+// A reference whose id, once armed, waits until another search of the same container is done.
+class WaitingRef : public ParameterRef {
+public:
+  explicit WaitingRef(const Parameter* parameter) : ParameterRef(parameter, 0, "") {}
+  const char* getId() const override {
+    if (armed.exchange(false)) {
+      std::unique_lock<std::mutex> lock(mutex);
+      otherSearchDone = done.wait_for(lock, std::chrono::seconds(10), [this] { return finished; });
+    }
+    return ParameterRef::getId();
+  }
+  void finish() const {
+    std::lock_guard<std::mutex> lock(mutex);
+    finished = true;
+    done.notify_all();
+  }
+
+  mutable std::atomic<bool> armed{false};
+  mutable bool otherSearchDone = false;
+
+private:
+  mutable std::mutex mutex;
+  mutable std::condition_variable done;
+  mutable bool finished = false;
+};
+
+TEST_F(ContainerSearchIndexTest, SearchesOfOneContainerRunSideBySide) {
+  Factory::addItemToGroupItem(mRoot, ref("fast"));
+  Parameter* slow = Factory::createParameter("slow", "", "A parameter", Parameter::STRING, 0, 0,
+                                             0, mManager.get());
+  WaitingRef* waiting = new WaitingRef(slow);
+  Factory::addItemToGroupItem(mRoot, waiting);
+  ASSERT_TRUE(mRoot->findParameterRef("fast") != nullptr);  // builds the index
+
+  waiting->armed = true;
+  std::thread first([&] { mRoot->findParameterRef("slow"); });
+  while (waiting->armed) {
+    std::this_thread::yield();
+  }
+  // The first search now waits inside the container; this one must not wait for it.
+  EXPECT_TRUE(mRoot->findParameterRef("FAST") != nullptr);
+  waiting->finish();
+  first.join();
+  EXPECT_TRUE(waiting->otherSearchDone);
 }
 
 TEST_F(ContainerSearchIndexTest, TheFirstItemInWalkOrderWinsAndTypesAreKeptApart) {
