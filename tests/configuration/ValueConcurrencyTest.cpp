@@ -17,8 +17,8 @@
 #include "zelk/configuration/ValueIterator.h"
 #include "zelk/configuration/impl/ListenerManager.h"
 #include "zelk/configuration/impl/ValueAccess.h"
-#include "zelk/configuration/impl/ValueGroupState.h"
 #include "zelk/configuration/impl/ValueGroupItemStringGenerator.h"
+#include "zelk/configuration/impl/ValueGroupState.h"
 
 namespace zelk::configuration {
 namespace {

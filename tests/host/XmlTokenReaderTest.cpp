@@ -463,9 +463,9 @@ TEST(XmlTokenReaderTest, RefusesFilesAndTextsBeyondTheLimits) {
   };
   for (const auto& c : TOO_LONG) {
     open(reader, c.document);
-    EXPECT_FALSE(reader.acceptToken("<a") ? reader.acceptNameAndValue("v", buffer, sizeof buffer)
-                                          : reader.acceptToken("<") &&
-                                                reader.acceptValue(buffer, sizeof buffer));
+    EXPECT_FALSE(reader.acceptToken("<a")
+                     ? reader.acceptNameAndValue("v", buffer, sizeof buffer)
+                     : reader.acceptToken("<") && reader.acceptValue(buffer, sizeof buffer));
     EXPECT_STREQ(c.error, reader.getErrorText()) << c.document;
   }
 }

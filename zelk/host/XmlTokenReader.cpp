@@ -619,8 +619,8 @@ bool XmlTokenReader::checkTextLength(std::size_t start, std::size_t length, cons
   if (length <= mMaxTextLength) {
     return true;
   }
-  fail(start, std::string(what) + " longer than " + std::to_string(mMaxTextLength) +
-                  " bytes starts");
+  fail(start,
+       std::string(what) + " longer than " + std::to_string(mMaxTextLength) + " bytes starts");
   return false;
 }
 

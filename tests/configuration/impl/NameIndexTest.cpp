@@ -201,8 +201,8 @@ private:
 
 TEST_F(ContainerSearchIndexTest, SearchesOfOneContainerRunSideBySide) {
   Factory::addItemToGroupItem(mRoot, ref("fast"));
-  Parameter* slow = Factory::createParameter("slow", "", "A parameter", Parameter::STRING, 0, 0,
-                                             0, mManager.get());
+  Parameter* slow = Factory::createParameter("slow", "", "A parameter", Parameter::STRING, 0, 0, 0,
+                                             mManager.get());
   WaitingRef* waiting = new WaitingRef(slow);
   Factory::addItemToGroupItem(mRoot, waiting);
   ASSERT_TRUE(mRoot->findParameterRef("fast") != nullptr);  // builds the index
