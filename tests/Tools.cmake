@@ -132,6 +132,14 @@ add_test(NAME zelk-config.export-round-trip
 set_tests_properties(zelk-config.schema zelk-config.completion zelk-config.export-round-trip
   PROPERTIES LABELS tools)
 
+# Files over the size limit are refused before they are read.
+zelk_output_test(zelk-config.values-file-too-large 1
+  COMMAND ${zc} -values -spec zbackup ${example} -maxFileSize 600 -valueFile backup-nightly.xml
+  MATCH "zelk-config: File \"[^\"]*/etc/zelk.crg\" is [0-9]+ bytes long, more than the limit of 600 bytes")
+zelk_output_test(zelk-config.check-file-too-large 1
+  COMMAND ${zc} -check ${example} -maxFileSize 600
+  MATCH "zelk.crg\" is [0-9]+ bytes long, more than the limit of 600 bytes")
+
 # Installations that are missing or broken.
 zelk_output_test(zelk-config.missing-installation 1
   COMMAND ${zc} -list -installation ${ZELK_TOOL_DATA}/nosuch

@@ -299,6 +299,11 @@ TEST_F(ConfigurationRegistryLoaderTest, BoundsNestingCopiesAndLongValues) {
   ASSERT_NE(nullptr, parameter);
   EXPECT_EQ(std::string(1024, 'd'), parameter->getDescription());
   EXPECT_EQ(1024u, dynamic_cast<Parameter*>(parameter)->getDefaultValue().asString().size());
+  // Past the reader's text limit a value is refused where it starts.
+  const std::string huge = failure(registry("<Parameters><Parameter id=\"huge\" description=\"" +
+                                            std::string(70000, 'd') + "\"/>"));
+  EXPECT_NE(std::string::npos, huge.find("A value longer than 65536 bytes starts at line "))
+      << huge;
 }
 
 TEST_F(ConfigurationRegistryLoaderTest, FormatDirectivesInTheFileAreQuotedAsWritten) {

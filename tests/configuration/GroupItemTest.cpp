@@ -2,8 +2,13 @@
 // parameters and their defaults, enumerations, the visitor walk and the descendant walk.
 #include "zelk/configuration/GroupItem.h"
 
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
 #include <functional>
 #include <memory>
+#include <mutex>
+#include <thread>
 #include <utility>
 
 #include <gtest/gtest.h>
@@ -377,6 +382,51 @@ TEST_F(GroupItemTest, SearchesSeeItemsAddedBelowAfterAnEarlierSearch) {
   EXPECT_EQ(first, top->findParameterRef("DUP"));
   EXPECT_EQ(sameName, top->findContainer("dup"));
   EXPECT_EQ(static_cast<const GroupItem*>(first), top->findItem("dup"));
+}
+
+// A reference whose id, once armed, waits until another search of the same container is done.
+class WaitingRef : public ParameterRef {
+public:
+  explicit WaitingRef(const Parameter* parameter) : ParameterRef(parameter, 0, "") {}
+  const char* getId() const override {
+    if (armed.exchange(false)) {
+      std::unique_lock<std::mutex> lock(mutex);
+      otherSearchDone = done.wait_for(lock, std::chrono::seconds(10), [this] { return finished; });
+    }
+    return ParameterRef::getId();
+  }
+  void finish() const {
+    std::lock_guard<std::mutex> lock(mutex);
+    finished = true;
+    done.notify_all();
+  }
+
+  mutable std::atomic<bool> armed{false};
+  mutable bool otherSearchDone = false;
+
+private:
+  mutable std::mutex mutex;
+  mutable std::condition_variable done;
+  mutable bool finished = false;
+};
+
+TEST_F(GroupItemTest, SearchesOfOneContainerRunSideBySide) {
+  Container* top = root("root");
+  ref(top, "fast");
+  WaitingRef* waiting = new WaitingRef(parameter("slow", "", Parameter::STRING));
+  Factory::addItemToGroupItem(top, waiting);
+  ASSERT_NE(nullptr, top->findParameterRef("fast"));  // builds the index
+
+  waiting->armed = true;
+  std::thread first([&] { top->findParameterRef("slow"); });
+  while (waiting->armed) {
+    std::this_thread::yield();
+  }
+  // The first search now waits inside the container; this one must not wait for it.
+  EXPECT_NE(nullptr, top->findParameterRef("FAST"));
+  waiting->finish();
+  first.join();
+  EXPECT_TRUE(waiting->otherSearchDone);
 }
 
 std::string walk(const GroupItemCollection* ancestor, int32_t itemType) {

@@ -14,7 +14,9 @@
 #include "zelk/configuration/ValueGroupIterator.h"
 #include "zelk/configuration/ValueIterator.h"
 #include "zelk/configuration/impl/ListenerManager.h"
+#include "zelk/configuration/impl/ValueAccess.h"
 #include "zelk/configuration/impl/ValueGroupItemStringGenerator.h"
+#include "zelk/configuration/impl/ValueGroupState.h"
 
 namespace zelk::configuration {
 namespace {
@@ -175,6 +177,57 @@ TEST_F(ValueConcurrencyTest, ReadersWritersAndListenersShareOneTree) {
   EXPECT_EQ(static_cast<size_t>(1 + ITERATIONS), root.getUnboundedValue("paths").getValueCount());
   EXPECT_EQ(1u, root.getItemCount("target"));
   EXPECT_EQ(0u, root.getItemCount("count"));
+}
+
+// Eight threads read, search and append in one large group and one container while another
+// renames items of unrelated groups; those renames must not cost the large group its index.
+TEST_F(ValueConcurrencyTest, SearchesAndAppendsGoOnWhileUnrelatedItemsAreRenamed) {
+  const int INITIAL = 64;
+  ValueGroup large("large");
+  for (int i = 0; i < INITIAL; ++i) {
+    large.addValue(("v" + std::to_string(i)).c_str(), std::to_string(i).c_str());
+  }
+  std::vector<ValueGroup> unrelated;
+  for (int i = 0; i < 4; ++i) {
+    unrelated.emplace_back("unrelated");
+    unrelated.back().addValue("name0", "x");
+  }
+  auto reader = [&] {
+    for (int i = 0; i < ITERATIONS; ++i) {
+      const int k = i % INITIAL;
+      if (large.getValue(("V" + std::to_string(k)).c_str()).asInt32() != k) {
+        throw std::runtime_error("wrong value");
+      }
+    }
+  };
+  auto searcher = [&] {
+    for (int i = 0; i < ITERATIONS; ++i) {
+      if (model.items->findParameterRef(i % 2 == 0 ? "port" : "PATHS") == nullptr ||
+          model.items->findContainer("db") != model.db) {
+        throw std::runtime_error("search failed");
+      }
+    }
+  };
+  auto appender = [&](const char* prefix) {
+    return [&, prefix] {
+      for (int i = 0; i < ITERATIONS; ++i) {
+        large.addValue((prefix + std::to_string(i)).c_str(), "1");
+      }
+    };
+  };
+  auto renamer = [&] {
+    for (int i = 1; i <= ITERATIONS; ++i) {
+      for (ValueGroup& group : unrelated) {
+        group.getItem(0)->setName(("name" + std::to_string(i)).c_str());
+      }
+    }
+  };
+  EXPECT_EQ("", runTogether({reader, reader, reader, searcher, searcher, searcher, appender("a"),
+                             appender("b"), renamer}));
+  EXPECT_EQ(static_cast<size_t>(INITIAL + 2 * ITERATIONS), large.getItemCount());
+  unrelated[0].getItem(0)->setName("last");
+  EXPECT_TRUE(impl::ValueAccess::peekState(large)->hasCurrentIndex());
+  EXPECT_FALSE(large.getValue("b17").isNull());
 }
 
 TEST_F(ValueConcurrencyTest, ConcurrentAppendsToOneValueLoseNothing) {

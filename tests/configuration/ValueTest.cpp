@@ -14,6 +14,7 @@
 #include "zelk/configuration/ValueIterator.h"
 #include "zelk/configuration/impl/ValueAccess.h"
 #include "zelk/configuration/impl/ValueGroupMerger.h"
+#include "zelk/configuration/impl/ValueGroupState.h"
 #include "zelk/configuration/impl/ValueItemState.h"
 #include "zelk/configuration/impl/ValueState.h"
 
@@ -602,6 +603,30 @@ TEST_F(ValueTest, LargeGroupsFindRenamedItemsUnderTheirNewName) {
   EXPECT_TRUE(group.findItem("item6") == nullptr);
 
   EXPECT_EQ("6", ValueGroup(group, 0).getValue("port").asString());  // a copy has its own index
+}
+
+TEST_F(ValueTest, ARenameReachesTheGroupsThatHoldTheItemAndNoOthers) {
+  ValueGroup group = largeGroup();
+  const boost::shared_ptr<impl::ValueGroupState> state = impl::ValueAccess::peekState(group);
+  ASSERT_TRUE(state->hasCurrentIndex());
+  ValueGroup other("other");
+  other.addValue("x", "1");
+  other.findItem("x")->setName("y");
+  EXPECT_TRUE(state->hasCurrentIndex());  // an unrelated rename leaves the index as it is
+
+  // An item that another group holds as well is found under its new name in both.
+  ValueGroup second = largeGroup();
+  ValueGroup moved("moved");
+  group.add(moved);
+  second.add(moved);
+  moved.setName("renamedTwice");
+  EXPECT_TRUE(group.findItem("renamedTwice") != nullptr);
+  EXPECT_TRUE(second.findItem("renamedTwice") != nullptr);
+  // So is an item whose group was reset on its own, which leaves it in its parent.
+  ValueGroup inner = second.addGroup("inner");
+  inner.reset();
+  inner.setName("afterReset");
+  EXPECT_TRUE(second.findItem("afterReset") != nullptr);
 }
 
 TEST_F(ValueTest, ContractsAndTypeNames) {

@@ -1,9 +1,11 @@
 #include "zelk/host/ExtensionPoint.h"
 
+#include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <stdexcept>
@@ -13,6 +15,27 @@
 #include "support/InstallationFixture.h"
 #include "support/MainLogCapture.h"
 #include "zelk/host/PluginRegistry.h"
+
+namespace {
+
+// When set, the next library load first renames the second file over the first, as someone
+// racing the plug-in loader between its checks and the load would.
+std::string gSwapTarget;
+std::string gSwapSource;
+
+}  // namespace
+
+// Stands in for the dynamic loader's dlopen in this test program (the host library's calls bind
+// to it) and hands every call on to the real one.
+extern "C" void* dlopen(const char* file, int mode) {
+  using Open = void* (*)(const char*, int);
+  static const Open real = reinterpret_cast<Open>(dlsym(RTLD_NEXT, "dlopen"));
+  if (!gSwapTarget.empty() && (mode & RTLD_NOLOAD) == 0) {
+    std::rename(gSwapSource.c_str(), gSwapTarget.c_str());
+    gSwapTarget.clear();
+  }
+  return real(file, mode);
+}
 
 namespace zelk::host {
 namespace {
@@ -132,6 +155,18 @@ TEST(ExtensionPointTest, SkipsBrokenAndUnsafeLibrariesWithOneLogLineEach) {
   ExtensionPoint other("SomeOtherExtension", 1, 1);
   ASSERT_EQ(1u, other.pluginCount());
   EXPECT_EQ("made for another point", made(other.plugin(0)));
+}
+
+TEST(ExtensionPointTest, ALibrarySwappedInAfterTheChecksIsNotTheOneLoaded) {
+  zelk::test::MainLogCapture log;
+  zelk::test::InstallationFixture installation;
+  gSwapTarget = installation.copyIntoPlugins(built("GoodPlugin"), "libswapped.so");
+  gSwapSource = installation.copyIntoPlugins(built("OtherExtensionPlugin"), "staging/other.bin");
+  ExtensionPoint point(ZELK_TEST_EXTENSION_POINT, 1, 1);
+  ASSERT_TRUE(gSwapTarget.empty()) << "the library was never loaded";
+  ASSERT_EQ(1u, point.pluginCount()) << log.dump();
+  EXPECT_EQ("made by the good plug-in", made(point.plugin(0)));
+  EXPECT_TRUE(log.entries().empty()) << log.dump();
 }
 
 TEST(ExtensionPointTest, APluginLibraryWhoseCreatePluginThrowsIsSkippedWhenAsked) {

@@ -78,6 +78,14 @@ TEST(XmlTokenReaderTest, CutsLongValuesAndNamesToTheBufferAtACharacterBoundary) 
   EXPECT_TRUE(reader.atEnd());
   EXPECT_FALSE(reader.hasError());
 
+  // A value just under the text limit is cut to the loaders' 1024 characters.
+  const std::string big = "<v x=\"" + std::string(60000, 'y') + "\"/>";
+  open(reader, big);
+  char value[1025];
+  ASSERT_TRUE(reader.acceptToken("<v"));
+  ASSERT_TRUE(reader.acceptNameAndValue("x", value, sizeof value));
+  EXPECT_EQ(std::string(1024, 'y'), value);
+  EXPECT_TRUE(reader.acceptToken("/>"));
 }
 
 TEST(XmlTokenReaderTest, SkipsByteOrderMarkAndCountsLinesWithCrLf) {
@@ -217,6 +225,52 @@ TEST(XmlTokenReaderTest, OpensFilesAndNamesThemInErrors) {
   // A reader can be used again: opening resets the error and the position.
   ASSERT_TRUE(reader.openFile(path.c_str()));
   EXPECT_TRUE(reader.acceptToken("<values>"));
+}
+
+TEST(XmlTokenReaderTest, RefusesFilesAndTextsBeyondTheLimits) {
+  zelk::test::TempDir dir;
+  XmlTokenReader reader;
+  reader.setMaxFileSize(10);
+  const std::string path = dir.file("ten.xml");
+  zelk::test::writeTextFile(path, "<a b='c'/>");
+  EXPECT_TRUE(reader.openFile(path.c_str()));
+  zelk::test::writeTextFile(path, "<a b='cd'/>");
+  EXPECT_FALSE(reader.openFile(path.c_str()));
+  EXPECT_TRUE(reader.wasTooLarge());
+  EXPECT_EQ(11u, reader.getRefusedSize());
+  EXPECT_EQ("File \"" + path + "\" is 11 bytes long, more than the limit of 10 bytes",
+            reader.getErrorText());
+  // A file whose size the system does not tell is read no further than one byte past the limit.
+  EXPECT_FALSE(reader.openFile("/proc/self/maps"));
+  EXPECT_EQ(11u, reader.getRefusedSize());
+  EXPECT_STREQ(
+      "File \"/proc/self/maps\" is more than the limit of 10 bytes long (it grew while it was "
+      "read)",
+      reader.getErrorText());
+  EXPECT_FALSE(reader.openFile(dir.file("missing.xml").c_str()));
+  EXPECT_FALSE(reader.wasTooLarge());
+
+  // Texts: decoded bytes count, for values and names alike.
+  reader.setMaxTextLength(8);
+  char buffer[64];
+  open(reader, "<a v='12345&amp;78'/>");
+  ASSERT_TRUE(reader.acceptToken("<a"));
+  EXPECT_TRUE(reader.acceptNameAndValue("v", buffer, sizeof buffer));
+  const struct {
+    const char* document;
+    const char* error;
+  } TOO_LONG[] = {
+      {"<a v='123456789'/>", "A value longer than 8 bytes starts at line 1, column 6"},
+      {"<a\nv='1234&amp;6789'/>", "A value longer than 8 bytes starts at line 2, column 3"},
+      {"<abcdefghi/>", "A name longer than 8 bytes starts at line 1, column 2"},
+  };
+  for (const auto& c : TOO_LONG) {
+    open(reader, c.document);
+    EXPECT_FALSE(reader.acceptToken("<a")
+                     ? reader.acceptNameAndValue("v", buffer, sizeof buffer)
+                     : reader.acceptToken("<") && reader.acceptValue(buffer, sizeof buffer));
+    EXPECT_STREQ(c.error, reader.getErrorText()) << c.document;
+  }
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <exception>
 #include <iostream>
+#include <stdexcept>
 
 #include "Output.h"
 #include "zelk/configuration/ConfigurationException.h"
@@ -92,6 +93,11 @@ void readOptions(const ValueGroup& values, Options& options) {
   options.exportFile = textGiven(values, "export");
   const Value width = values.getValue("width", nullptr, false);
   if (!width.isNull() && width.hasValue()) options.width = width.asUInt32();
+  const Value maxFileSize = values.getValue("maxFileSize", nullptr, false);
+  if (!maxFileSize.isNull() && maxFileSize.hasValue()) {
+    options.maxFileSize = static_cast<std::size_t>(maxFileSize.asUInt64());
+    if (options.maxFileSize == 0) throw std::invalid_argument("-maxFileSize must be at least 1");
+  }
 }
 
 void printOwnHelpHint() {

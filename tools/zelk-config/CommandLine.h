@@ -28,6 +28,7 @@ struct Options {
   bool json = false;                      // -list and -values print JSON
   std::optional<std::string> exportFile;  // -values also writes the values as a value file
   std::size_t width = 0;                  // 0: the terminal's width
+  std::size_t maxFileSize = 0;            // 0: the library's default
   std::vector<std::string> toolArguments; // the words after "--": the tool's own command line
 };
 

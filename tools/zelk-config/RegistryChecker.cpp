@@ -182,8 +182,9 @@ public:
 
 }  // namespace
 
-void RegistryChecker::check(const std::vector<std::string>& files) {
+void RegistryChecker::check(const std::vector<std::string>& files, std::size_t maxFileSize) {
   std::unique_ptr<ConfigurationManager> manager(impl::Factory::createManager());
+  if (maxFileSize != 0) manager->setMaxFileSize(maxFileSize);
   for (const std::string& path : files) {
     loadFile(mIndex.addFile(path), *manager);
   }

@@ -41,7 +41,8 @@ public:
   // Loads the files in order into a new manager (with the default validators and the validator
   // plug-ins of the host's plug-ins directory) and collects the problems. A file that fails to
   // load is reported and the next one is loaded all the same.
-  void check(const std::vector<std::string>& files);
+  // A maxFileSize other than 0 replaces the library's limit on the size of each file.
+  void check(const std::vector<std::string>& files, std::size_t maxFileSize = 0);
 
   // A problem that belongs to no file, such as a missing main registry.
   void addProblem(const std::string& message);

@@ -53,16 +53,26 @@ int runCheck(const Options& options, const Directories& directories) {
                          describeDirectories(directories) + ".");
     }
   }
-  checker.check(files);
+  checker.check(files, options.maxFileSize);
   checker.print(std::cout);
   return checker.getFindings().empty() ? EXIT_CLEAN : EXIT_PROBLEMS;
 }
 
 // The process-wide manager with the installation loaded; null, with the problem reported, when
-// its registry files do not load.
-ConfigurationManager* loadInstallation(const Directories& directories) {
+// its registry files do not load. A size limit given on the command line applies to the registry
+// files too: they are read again under it.
+ConfigurationManager* loadInstallation(const Directories& directories, std::size_t maxFileSize) {
   try {
-    return ConfigurationManager::getInstance();
+    if (maxFileSize == 0) return ConfigurationManager::getInstance();
+    ConfigurationManager* manager = nullptr;
+    try {
+      manager = ConfigurationManager::getInstance();
+    } catch (const std::exception&) {
+      manager = ConfigurationManager::getInstance();  // loaded again just below
+    }
+    manager->setMaxFileSize(maxFileSize);
+    manager->reset();
+    return manager;
   } catch (const std::exception& e) {
     printError("the installation does not load (" + describeDirectories(directories) + "):");
     printException(e);
@@ -101,10 +111,10 @@ void printListAsJson(ConfigurationManager& manager) {
   json.endArray();
 }
 
-int runList(const Directories& directories, std::size_t width, bool asJson) {
-  ConfigurationManager* manager = loadInstallation(directories);
+int runList(const Options& options, const Directories& directories, std::size_t width) {
+  ConfigurationManager* manager = loadInstallation(directories, options.maxFileSize);
   if (manager == nullptr) return EXIT_PROBLEMS;
-  if (asJson) {
+  if (options.json) {
     printListAsJson(*manager);
     return EXIT_CLEAN;
   }
@@ -122,7 +132,7 @@ int runList(const Directories& directories, std::size_t width, bool asJson) {
 
 int runOnSpecification(const Options& options, const Directories& directories,
                        std::size_t width) {
-  ConfigurationManager* manager = loadInstallation(directories);
+  ConfigurationManager* manager = loadInstallation(directories, options.maxFileSize);
   if (manager == nullptr) return EXIT_PROBLEMS;
   const Specification* specification = findSpecification(*manager, options.specification);
   if (specification == nullptr) return EXIT_PROBLEMS;
@@ -199,7 +209,7 @@ int run(int argc, const char* const* argv) {
     case Options::CHECK:
       return runCheck(options, directories);
     case Options::LIST:
-      return runList(directories, width, options.json);
+      return runList(options, directories, width);
     case Options::SCHEMA:
       if (options.schemaKind == "registry") {
         std::cout << registrySchema();
@@ -207,7 +217,7 @@ int run(int argc, const char* const* argv) {
       }
       return runOnSpecification(options, directories, width);
     case Options::VALUES:
-      if (ConfigurationManager* manager = loadInstallation(directories); manager == nullptr) {
+      if (loadInstallation(directories, options.maxFileSize) == nullptr) {
         return EXIT_PROBLEMS;
       }
       return reportValues(options, std::cout);

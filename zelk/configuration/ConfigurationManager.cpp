@@ -179,6 +179,10 @@ void ConfigurationManager::registerDefaultValidators() { mImpl->registerDefaultV
 
 void ConfigurationManager::reset() { mImpl->reset(); }
 
+void ConfigurationManager::setMaxFileSize(std::size_t bytes) { mImpl->setMaxFileSize(bytes); }
+
+std::size_t ConfigurationManager::getMaxFileSize() const { return mImpl->getMaxFileSize(); }
+
 ValueGroup ConfigurationManager::getValueGroup(const char* specificationId, bool required,
                                                int flags) const {
   return mImpl->getValueGroup(specificationId, required, flags);

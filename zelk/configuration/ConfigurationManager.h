@@ -15,6 +15,8 @@
 // configure on one thread before reading values from several.
 #pragma once
 
+#include <cstddef>
+
 #include <boost/scoped_ptr.hpp>
 
 #include "zelk/configuration/ConfigurationManagerBase.h"
@@ -105,6 +107,20 @@ public:
   // Clears every registry and cache, then registers the default validators and loads the
   // registry files again.
   void reset();
+
+  // The largest registry or value file, in bytes, that this manager reads: 64 MiB unless set.
+  // A larger file is refused before any of it is read, and a file that grows past the limit while
+  // it is read is refused too: loading it throws ConfigurationException "File "<path>" is <size>
+  // bytes long, more than the limit of <limit> bytes" (or "... is more than the limit of <limit>
+  // bytes long ..."). The limit applies to the loads that follow, so the process-wide manager
+  // reads its registry files again under a new limit on the next reset() or
+  // enableConfiguration(). A zero limit is a contract violation. Single quoted values and names
+  // in these files are limited to 64 KiB (zelk::host::XmlTokenReader::DEFAULT_MAX_TEXT_LENGTH).
+  //
+  //   manager->setMaxFileSize(256 << 20);
+  //   manager->enableConfiguration(true, nullptr, argc, argv, "tool");
+  void setMaxFileSize(std::size_t bytes);
+  std::size_t getMaxFileSize() const;
 
   // The merged, validated and completed values of the specification, cached per id.
   ValueGroup getValueGroup(const char* specificationId, bool required, int flags) const;

@@ -22,10 +22,12 @@ public:
 
   // Loads the registry file at path into manager (the process-wide manager when null); flags are
   // not used. Throws ConfigurationException "File "%s" was not found" when the file cannot be
-  // opened, ConfigurationException for a look-up failure, an unknown type word, a bad integer, a
-  // duplicate enumeration or a newer schema version, and ValidationException for malformed
-  // content ("missing attribute: <name>", "Unexpected ... at line L, column C ..."). Objects
-  // registered before a failure stay registered.
+  // opened, ConfigurationException "File "<path>" is <size> bytes long, more than the limit of
+  // <limit> bytes" when it is larger than manager->getMaxFileSize(), ConfigurationException for a
+  // look-up failure, an unknown type word, a bad integer, a duplicate enumeration or a newer
+  // schema version, and ValidationException for malformed content ("missing attribute: <name>",
+  // "Unexpected ... at line L, column C ...", "A value longer than 65536 bytes starts at ...").
+  // Objects registered before a failure stay registered.
   static void loadFile(const char* path, ConfigurationManager* manager, int flags);
 };
 

@@ -2,7 +2,9 @@
 
 #include <dirent.h>
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <climits>
@@ -110,15 +112,50 @@ void findLibraries(const std::string& directory, const std::string& unsafeDirect
   }
 }
 
+std::string descriptorPath(int fd) { return "/proc/self/fd/" + std::to_string(fd); }
+
+// Loads the library open as fd, the very file that was checked, through its /proc/self/fd name.
+// The dynamic loader first matches that name against the objects it has loaded, and descriptor
+// numbers are reused, so a name that is taken already moves the descriptor to a free one first.
+// Returns the handle, or null with the loader's error (naming path, not the descriptor) in error.
+void* loadDescriptor(int& fd, const std::string& path, std::string& error) {
+  // Bounded: each loaded object holds at most one name, and each try skips one.
+  for (int attempt = 0; attempt < 1024; ++attempt) {
+    const std::string name = descriptorPath(fd);
+    void* known = dlopen(name.c_str(), RTLD_LAZY | RTLD_NOLOAD);
+    if (known != nullptr) {
+      dlclose(known);
+      const int moved = fcntl(fd, F_DUPFD_CLOEXEC, fd + 1);
+      if (moved < 0) {
+        break;
+      }
+      ::close(fd);
+      fd = moved;
+      continue;
+    }
+    dlerror();
+    void* handle = dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (handle == nullptr) {
+      const char* text = dlerror();
+      error = text != nullptr ? text : "unknown error";
+      if (error.compare(0, name.size(), name) == 0) {
+        error.replace(0, name.size(), path);
+      }
+    }
+    return handle;
+  }
+  error = "no free name to load it by";
+  return nullptr;
+}
+
 // Opens one library and checks its entry points. Returns the reason for skipping it, or the
 // empty string with library filled in.
-std::string openLibrary(const std::string& path, const std::string& extensionPointName,
+std::string openLibrary(int& fd, const std::string& path, const std::string& extensionPointName,
                         Library& library) {
-  dlerror();
-  void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+  std::string error;
+  void* handle = loadDescriptor(fd, path, error);
   if (handle == nullptr) {
-    const char* error = dlerror();
-    return std::string("it cannot be loaded: ") + (error != nullptr ? error : "unknown error");
+    return "it cannot be loaded: " + error;
   }
   auto nameFunction = reinterpret_cast<NameFunction>(dlsym(handle, "extensionPointName"));
   auto createFunction = reinterpret_cast<CreateFunction>(dlsym(handle, "createPlugin"));
@@ -155,17 +192,44 @@ std::string openLibrary(const std::string& path, const std::string& extensionPoi
   return std::string();
 }
 
+// The path of the file open as fd, as the system resolves it now.
+std::string openedPath(int fd) {
+  char resolved[PATH_MAX];
+  const ssize_t length = readlink(descriptorPath(fd).c_str(), resolved, sizeof resolved - 1);
+  return length > 0 ? std::string(resolved, static_cast<size_t>(length)) : std::string();
+}
+
+bool isInside(const std::string& path, const std::string& root) {
+  return path.size() > root.size() + 1 && path.compare(0, root.size(), root) == 0 &&
+         path[root.size()] == '/';
+}
+
+// Checks the library open as fd: its type, its mode, its owner, and that it still lies inside the
+// plug-ins root. Returns the reason for skipping it, or the empty string.
+std::string checkOpenFile(int fd, const std::string& root) {
+  struct stat info;
+  if (fd < 0 || fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
+    return "it is not a regular file";
+  }
+  if (writableByOthers(info)) {
+    return "it is writable by group or others";
+  }
+  if (info.st_uid != 0 && info.st_uid != geteuid()) {
+    return "it belongs to another user";
+  }
+  // A directory on the way that was swapped after the path was resolved shows here.
+  if (!isInside(openedPath(fd), root)) {
+    return "it leads outside the plug-ins directory";
+  }
+  return std::string();
+}
+
 std::string currentPluginsRoot() {
   char buffer[HOST_PATH_BUFFER_SIZE];
   if (!hostGetPluginsDir(buffer)) {
     return std::string();
   }
   return canonicalPath(buffer);
-}
-
-bool isInside(const std::string& path, const std::string& root) {
-  return path.size() > root.size() + 1 && path.compare(0, root.size(), root) == 0 &&
-         path[root.size()] == '/';
 }
 
 }  // namespace
@@ -230,33 +294,29 @@ size_t hostLoadPlugins(const char* extensionPointName) {
       logSkip(candidate.path, "it leads outside the plug-ins directory");
       continue;
     }
-    // Checked and loaded by path. Only someone who may write the file's directory can swap the
-    // file in between, and the checks here leave that to the owner. Loading through
-    // "/proc/self/fd/N" would close even that window, but the dynamic loader matches objects it
-    // has loaded by name first, and descriptor numbers are reused, so it could return another
-    // library than the one checked.
-    struct stat info;
-    if (stat(path.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) {
-      logSkip(candidate.path, "it is not a regular file");
-      continue;
-    }
-    if (writableByOthers(info)) {
-      logSkip(candidate.path, "it is writable by group or others");
-      continue;
-    }
+    // The file is opened once, without following a link and without waiting on a FIFO; the
+    // checks look at the open file, and the loader is given that same file, so whoever swaps the
+    // path in between changes nothing that is loaded.
+    int fd = ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    std::string reason = checkOpenFile(fd, root);
     const auto known = r.libraries.find(path);
-    if (known != r.libraries.end()) {
-      if (known->second.extensionPointName != extensionPointName) {
-        logSkip(candidate.path, "it belongs to extension point \"" +
-                                    known->second.extensionPointName + "\", not \"" +
-                                    extensionPointName + "\"");
-      }
-      continue;
-    }
     Library library;
-    const std::string reason = openLibrary(path, extensionPointName, library);
+    if (reason.empty() && known != r.libraries.end()) {
+      if (known->second.extensionPointName != extensionPointName) {
+        reason = "it belongs to extension point \"" + known->second.extensionPointName +
+                 "\", not \"" + extensionPointName + "\"";
+      }
+    } else if (reason.empty()) {
+      reason = openLibrary(fd, path, extensionPointName, library);
+    }
+    if (fd >= 0) {
+      ::close(fd);
+    }
     if (!reason.empty()) {
       logSkip(candidate.path, reason);
+      continue;
+    }
+    if (known != r.libraries.end()) {
       continue;
     }
     r.libraries.emplace(path, std::move(library));

@@ -13,10 +13,15 @@
 //   extern "C" void* createPlugin();               // a new implementation object per call
 //
 // Loading rules. A library is only ever opened by its absolute path inside the plug-ins directory
-// (symbolic links that lead outside it are refused). A library is skipped, with one main-log line
-// (category "Plugins") saying why, when:
+// (symbolic links that lead outside it are refused). The file is opened once; its type, mode and
+// owner are checked on the open file, and the dynamic loader is given that same open file (through
+// /proc/self/fd), so a library swapped in at the path after the checks is never the one loaded.
+// The loader therefore knows the library by that descriptor name: dependencies found through
+// $ORIGIN are not supported. A library is skipped, with one main-log line (category "Plugins")
+// saying why, when:
 //   - it, or a directory on its path from the plug-ins directory down, is writable by group or
 //     others;
+//   - it belongs to a user other than root and the process's own;
 //   - it cannot be loaded;
 //   - it lacks extensionPointName() or createPlugin();
 //   - its extensionPointName() is null, throws, or names another extension point than the one

@@ -1,7 +1,11 @@
 #include "zelk/host/XmlTokenReader.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <new>
@@ -107,6 +111,7 @@ void XmlTokenReader::reset() {
   mErrorText.clear();
   mFailed = false;
   mDepth = 0;
+  mRefusedSize = 0;
   mLineCacheOffset = 0;
   mLineCacheStart = 0;
   mLineCacheLine = 1;
@@ -120,39 +125,78 @@ bool XmlTokenReader::openFile(const char* path) {
     return false;
   }
   mName = path;
-  struct stat info;
-  std::FILE* file = nullptr;
-  // Only regular files and pipes are documents: a directory or a device such as /dev/zero is not.
-  if (stat(path, &info) != 0 || !(S_ISREG(info.st_mode) || S_ISFIFO(info.st_mode)) ||
-      (file = std::fopen(path, "rb")) == nullptr) {
-    mErrorText = "File \"" + mName + "\" cannot be opened";
+  const auto refuse = [this](const char* what) {
+    mErrorText = "File \"" + mName + "\" " + what;
     mFailed = true;
     return false;
+  };
+  // Only regular files and pipes are documents: a directory or a device such as /dev/zero is not.
+  // The path is looked at before it is opened, so that opening a device has no side effects; the
+  // size is then taken from the open file itself.
+  struct stat info;
+  if (stat(path, &info) != 0 || !(S_ISREG(info.st_mode) || S_ISFIFO(info.st_mode))) {
+    return refuse("cannot be opened");
+  }
+  const int fd = ::open(path, O_RDONLY | O_CLOEXEC);
+  if (fd < 0) {
+    return refuse("cannot be opened");
+  }
+  if (fstat(fd, &info) != 0 || !(S_ISREG(info.st_mode) || S_ISFIFO(info.st_mode))) {
+    ::close(fd);
+    return refuse("cannot be opened");
+  }
+  const std::size_t limit = mMaxFileSize;
+  if (S_ISREG(info.st_mode) && static_cast<unsigned long long>(info.st_size) > limit) {
+    ::close(fd);
+    mRefusedSize = static_cast<unsigned long long>(info.st_size);
+    return refuse(("is " + std::to_string(mRefusedSize) + " bytes long, more than the limit of " +
+                   std::to_string(limit) + " bytes")
+                      .c_str());
   }
   // Read in one go when the size is known, growing for files whose size the system does not
-  // report (pipes, /proc).
+  // report (pipes, /proc); never more than one byte past the limit, which tells a file that grew.
+  const std::size_t cap = limit + 1;
   std::size_t capacity = info.st_size > 0 ? static_cast<std::size_t>(info.st_size) + 1 : 4096;
+  capacity = std::min(capacity, cap);
   char* data = new char[capacity + 1];
   std::size_t size = 0;
   bool failed = false;
   for (;;) {
-    size += std::fread(data + size, 1, capacity - size, file);
-    if (size < capacity) {
-      failed = std::ferror(file) != 0;
+    const ssize_t got = ::read(fd, data + size, capacity - size);
+    if (got < 0) {
+      if (errno == EINTR) {
+        continue;
+      }
+      failed = true;
       break;
     }
-    char* bigger = new char[capacity * 2 + 1];
-    std::memcpy(bigger, data, size);
-    delete[] data;
-    data = bigger;
-    capacity *= 2;
+    if (got == 0) {
+      break;
+    }
+    size += static_cast<std::size_t>(got);
+    if (size == capacity) {
+      if (capacity == cap) {
+        break;
+      }
+      const std::size_t larger = std::min(capacity * 2, cap);
+      char* bigger = new char[larger + 1];
+      std::memcpy(bigger, data, size);
+      delete[] data;
+      data = bigger;
+      capacity = larger;
+    }
   }
-  std::fclose(file);
+  ::close(fd);
   if (failed) {
     delete[] data;
-    mErrorText = "File \"" + mName + "\" cannot be read";
-    mFailed = true;
-    return false;
+    return refuse("cannot be read");
+  }
+  if (size > limit) {
+    delete[] data;
+    mRefusedSize = size;
+    return refuse(("is more than the limit of " + std::to_string(limit) + " bytes long" +
+                   (S_ISREG(info.st_mode) ? " (it grew while it was read)" : ""))
+                      .c_str());
   }
   data[size] = '\0';
   mData = data;
@@ -454,6 +498,9 @@ bool XmlTokenReader::acceptValue(char* buffer, std::size_t size) {
     return false;
   }
   const std::size_t end = nameEnd(mPos);
+  if (!checkTextLength(mPos, end - mPos, "A name")) {
+    return false;
+  }
   BoundedOutput out(buffer, size);
   for (std::size_t i = mPos; i < end;) {
     const std::size_t n = sequenceLength(mData[i]);
@@ -470,10 +517,15 @@ bool XmlTokenReader::readQuoted(char* buffer, std::size_t size) {
   const char quote = mData[mPos];
   BoundedOutput out(buffer, size);
   std::size_t i = mPos + 1;
+  // Decoded bytes so far; checked once per character, so a long value stops at the limit.
+  std::size_t length = 0;
   for (;;) {
     const char c = mData[i];
     if (c == quote) {
       break;
+    }
+    if (!checkTextLength(start, length, "A value")) {
+      return false;
     }
     if (i >= mSize) {
       fail(start, "Unterminated quoted value starting");
@@ -492,12 +544,12 @@ bool XmlTokenReader::readQuoted(char* buffer, std::size_t size) {
       // The longest reference worth reading is "&#x10FFFF;"; look no further than that.
       const std::size_t window = mSize - i < 16 ? mSize - i : 16;
       const char* semicolon = static_cast<const char*>(std::memchr(mData + i, ';', window));
-      const std::size_t length = semicolon != nullptr ? semicolon - (mData + i) : 0;
+      const std::size_t reference = semicolon != nullptr ? semicolon - (mData + i) : 0;
       if (semicolon == nullptr) {
         fail(i, "Unterminated entity reference");
         return false;
       }
-      const std::string entity(mData + i + 1, length - 1);
+      const std::string entity(mData + i + 1, reference - 1);
       unsigned int cp = 0;
       bool valid = true;
       if (entity == "lt") {
@@ -539,21 +591,37 @@ bool XmlTokenReader::readQuoted(char* buffer, std::size_t size) {
         return false;
       }
       char encoded[4];
-      out.append(encoded, encodeUtf8(cp, encoded));
-      i += length + 1;
+      const std::size_t n = encodeUtf8(cp, encoded);
+      out.append(encoded, n);
+      length += n;
+      i += reference + 1;
       continue;
     }
     if (c == '\t' || c == '\n' || c == '\r') {
       out.append(' ');
+      ++length;
       i += (c == '\r' && mData[i + 1] == '\n') ? 2 : 1;
       continue;
     }
     const std::size_t n = sequenceLength(c);
     out.append(mData + i, n);
+    length += n;
     i += n;
+  }
+  if (!checkTextLength(start, length, "A value")) {
+    return false;
   }
   mPos = i + 1;
   return true;
+}
+
+bool XmlTokenReader::checkTextLength(std::size_t start, std::size_t length, const char* what) {
+  if (length <= mMaxTextLength) {
+    return true;
+  }
+  fail(start,
+       std::string(what) + " longer than " + std::to_string(mMaxTextLength) + " bytes starts");
+  return false;
 }
 
 bool XmlTokenReader::skipPast(const char* text) {

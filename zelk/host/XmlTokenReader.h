@@ -24,6 +24,12 @@
 // requires. A value longer than the caller's buffer is cut to fit (at a character boundary) and
 // never overflows it.
 //
+// Limits. openFile refuses a file larger than getMaxFileSize() bytes (64 MiB unless set) before
+// reading any of it, and never reads more than one byte past the limit of a file that grows while
+// it is read; wasTooLarge() tells such a refusal from a missing file. A quoted value or a name
+// longer than getMaxTextLength() bytes (64 KiB unless set; decoded bytes for values) is an error
+// naming where it starts, so that no single text of a hostile file is copied or scanned past it.
+//
 // Input. A UTF-8 byte-order mark is skipped, CR LF and CR line ends count as one line end. The
 // document must be UTF-8 without control characters other than tab, CR and LF; anything else is
 // an error at openFile/openBuffer time.
@@ -45,15 +51,32 @@ public:
   // an element and leaveElement() when it closes it; the element one deeper is an error.
   static constexpr unsigned int MAX_NESTING_DEPTH = 256;
 
+  // The default limits: the largest file openFile reads and the longest text a token may hold.
+  static constexpr std::size_t DEFAULT_MAX_FILE_SIZE = std::size_t(64) << 20;
+  static constexpr std::size_t DEFAULT_MAX_TEXT_LENGTH = std::size_t(64) << 10;
+
   XmlTokenReader();
   XmlTokenReader(const XmlTokenReader&) = delete;
   XmlTokenReader& operator=(const XmlTokenReader&) = delete;
   ~XmlTokenReader();
 
   // Reads the whole file at path into memory. Returns false (and keeps no document) when the file
-  // cannot be opened or read, or is neither a regular file nor a pipe; the error text says so. Returns true otherwise, even when the
-  // content is not valid UTF-8: that is reported as the reader's error (see hasError()).
+  // cannot be opened or read, is neither a regular file nor a pipe, or is larger than
+  // getMaxFileSize(); the error text says so. Returns true otherwise, even when the content is not
+  // valid UTF-8: that is reported as the reader's error (see hasError()).
   bool openFile(const char* path);
+  // After openFile returned false: whether the file was refused for its size, and that size (the
+  // size the system reported, or the limit plus one for a file that grew while it was read or a
+  // pipe that gave more).
+  bool wasTooLarge() const { return mRefusedSize != 0; }
+  unsigned long long getRefusedSize() const { return mRefusedSize; }
+
+  // The limits (see the class comment); they stay set for every later document. Zero is taken as
+  // one byte.
+  void setMaxFileSize(std::size_t bytes) { mMaxFileSize = bytes != 0 ? bytes : 1; }
+  std::size_t getMaxFileSize() const { return mMaxFileSize; }
+  void setMaxTextLength(std::size_t bytes) { mMaxTextLength = bytes != 0 ? bytes : 1; }
+  std::size_t getMaxTextLength() const { return mMaxTextLength; }
   // The same for a document already in memory (copied); name, if given, is used in error texts.
   void openBuffer(const char* data, std::size_t size, const char* name = nullptr);
 
@@ -125,6 +148,8 @@ private:
   bool matchAt(std::size_t at, const char* text, std::size_t& end) const;
   std::size_t nameEnd(std::size_t at) const;
   bool readQuoted(char* buffer, std::size_t size);
+  // Fails the reader when a text of length bytes starting at start is longer than the limit.
+  bool checkTextLength(std::size_t start, std::size_t length, const char* what);
   std::string describeToken(std::size_t at) const;
 
   char* mData = nullptr;  // the document, with a terminating NUL after mSize bytes
@@ -135,6 +160,9 @@ private:
   std::string mErrorText;
   bool mFailed = false;
   unsigned int mDepth = 0;
+  std::size_t mMaxFileSize = DEFAULT_MAX_FILE_SIZE;
+  std::size_t mMaxTextLength = DEFAULT_MAX_TEXT_LENGTH;
+  unsigned long long mRefusedSize = 0;
   // Line counting is incremental: the last position asked for and its line and line start.
   mutable std::size_t mLineCacheOffset = 0;
   mutable std::size_t mLineCacheStart = 0;

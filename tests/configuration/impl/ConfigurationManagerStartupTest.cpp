@@ -159,6 +159,28 @@ TEST_F(ConfigurationManagerStartupTest, EnableConfigurationBuildsProvidersInPrio
   EXPECT_EQ((std::vector<std::pair<std::string, int>>{{"XML_FILE", 1}}), providers(*manager));
 }
 
+TEST_F(ConfigurationManagerStartupTest, FilesLargerThanTheLimitAreRefusedBeforeTheyAreRead) {
+  mInstallation.writeEtcFile("zelk.crg", TOOL_REGISTRY);
+  const std::string values = "<tool b=\"" + std::string(1000, 'v') + "\"/>";
+  mInstallation.writeConfigFile("values.xml", values);
+  ConfigurationManager* manager = ConfigurationManager::getInstance();
+  EXPECT_EQ(64u << 20, manager->getMaxFileSize());
+  const std::size_t limit = TOOL_REGISTRY.size();
+  ASSERT_LT(limit, values.size());
+  manager->setMaxFileSize(limit);
+  const char* argv[] = {"tool", "-loadConfiguration", "values.xml"};
+  EXPECT_EQ("File \"" + mInstallation.configDir() + "/values.xml\" is " +
+                std::to_string(values.size()) + " bytes long, more than the limit of " +
+                std::to_string(limit) + " bytes",
+            test::messageOf<ConfigurationException>([&] { manager->enableConfiguration(false, nullptr, 3, argv, "tool"); }));
+  EXPECT_EQ(fileEntry("values.xml", false), mLog.texts("Configuration").back());
+  // The registry files are read under the limit too, from the next reset on.
+  manager->setMaxFileSize(limit - 1);
+  EXPECT_EQ("File \"" + mInstallation.etcDir() + "/zelk.crg\" is " + std::to_string(limit) +
+                " bytes long, more than the limit of " + std::to_string(limit - 1) + " bytes",
+            test::messageOf<ConfigurationException>([&] { manager->reset(); }));
+}
+
 TEST_F(ConfigurationManagerStartupTest, EnableConfigurationReportsBadFiles) {
   mInstallation.writeEtcFile("zelk.crg", TOOL_REGISTRY);
   ConfigurationManager* manager = ConfigurationManager::getInstance();

@@ -36,11 +36,13 @@
 #include "zelk/configuration/impl/ValueGroupState.h"
 #include "zelk/configuration/impl/ValueGroupValidator.h"
 #include "zelk/configuration/impl/ValueProviderImpl.h"
+#include "zelk/configuration/impl/XmlFileValueProviderImpl.h"
 #include "zelk/host/ExtensionPoint.h"
 #include "zelk/host/HostDirectories.h"
 #include "zelk/host/HostFileSystem.h"
 #include "zelk/host/HostMainLog.h"
 #include "zelk/host/HostProcess.h"
+#include "zelk/host/XmlTokenReader.h"
 #include "zelk/util/Contracts.h"
 #include "zelk/util/StringFunctions.h"
 #include "zelk/util/VectorWrapper.h"
@@ -66,7 +68,10 @@ void ConfigurationManagerImpl::destroy(ValueProvider* provider) {
 }
 
 ConfigurationManagerImpl::ConfigurationManagerImpl(ConfigurationManager* self)
-    : mSelf(self), mNextPriority(1), mValidatorExtensionPoint(0) {
+    : mSelf(self),
+      mNextPriority(1),
+      mMaxFileSize(zelk::host::XmlTokenReader::DEFAULT_MAX_FILE_SIZE),
+      mValidatorExtensionPoint(0) {
   ZELK_CONTRACT(mSelf != 0);
   void* memory = zelk::host::hostMalloc(sizeof(zelk::host::ExtensionPoint));
   try {
@@ -336,6 +341,11 @@ void ConfigurationManagerImpl::loadDefaultConfigurationRegistry() {
   }
 }
 
+void ConfigurationManagerImpl::setMaxFileSize(std::size_t bytes) {
+  ZELK_CONTRACT(bytes > 0);
+  mMaxFileSize = bytes;
+}
+
 bool ConfigurationManagerImpl::loadConfigurationFile(const std::string& path,
                                                      bool ignoreIfMissing) {
   std::string file = path;
@@ -347,6 +357,7 @@ bool ConfigurationManagerImpl::loadConfigurationFile(const std::string& path,
   }
   if (zelk::host::hostFileExists(file.c_str()) != zelk::host::HOST_FILE_NOT_FOUND) {
     XmlFileValueProvider* provider = new XmlFileValueProvider(takeNextPriority(), "");
+    provider->getXmlFileImpl()->setMaxFileSize(mMaxFileSize);
     try {
       registerValueProvider(provider);
     } catch (...) {

@@ -118,6 +118,10 @@ public:
   const char* getRepresentation(const GroupItem& item);
   const char* getRepresentation(const Specification& specification);
 
+  // The size limit of the registry and value files this manager reads (see ConfigurationManager).
+  void setMaxFileSize(std::size_t bytes);
+  std::size_t getMaxFileSize() const { return mMaxFileSize; }
+
   // The priority for the next provider made for a file or the command line; each call takes one.
   int takeNextPriority() { return mNextPriority++; }
 
@@ -133,6 +137,7 @@ private:
   ValueProviderMap mValueProviders;
   std::string mRepresentation;
   int32_t mNextPriority;
+  std::size_t mMaxFileSize;
   // Lists the validator plug-ins; placed in memory from the host's allocator.
   zelk::host::ExtensionPoint* mValidatorExtensionPoint;
   mutable ValueCache mValueCache;

@@ -18,6 +18,7 @@
 #include "zelk/configuration/ValidationErrors.h"
 #include "zelk/configuration/impl/Convert.h"
 #include "zelk/configuration/impl/Factory.h"
+#include "zelk/configuration/impl/FileOpener.h"
 #include "zelk/host/HostProcess.h"
 
 namespace zelk::configuration::impl {
@@ -68,9 +69,7 @@ ConfigurationRegistryLoaderImpl::ConfigurationRegistryLoaderImpl(ConfigurationMa
 }
 
 void ConfigurationRegistryLoaderImpl::loadFile(const char* path, int /*flags*/) {
-  if (!mReader.openFile(path)) {
-    throw ConfigurationException("File \"%s\" was not found", path != nullptr ? path : "");
-  }
+  openXmlFile(mReader, path, mManager->getMaxFileSize());
   readDocument();
 }
 

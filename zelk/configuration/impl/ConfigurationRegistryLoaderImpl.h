@@ -8,7 +8,8 @@
 // CURRENT_SCHEMA_VERSION) holding the optional sections Enumerations, Parameters, Groups and
 // Specifications, in this order. Element nesting is bounded by
 // zelk::host::XmlTokenReader::MAX_NESTING_DEPTH, also for the items that a GroupRef copies, and
-// attribute values are cut at MAX_ATTRIBUTE_LENGTH characters.
+// attribute values are cut at MAX_ATTRIBUTE_LENGTH characters (those longer than the reader's text
+// limit are refused). A file larger than the manager's getMaxFileSize() is refused unread.
 #pragma once
 
 #include <cstddef>

@@ -55,7 +55,7 @@ void ContainerImpl::addItem(const GroupItem* item) {
 }
 
 void ContainerImpl::invalidateSearchIndex() {
-  boost::mutex::scoped_lock lock(mIndexMutex);
+  WriteGuard lock(mIndexMutex);
   mIndex.reset();
 }
 
@@ -73,39 +73,46 @@ const ParameterRef* ContainerImpl::findParameterRef(const char* id) const {
 
 const GroupItem* ContainerImpl::findDescendant(const char* id, int32_t itemType) const {
   ZELK_CONTRACT(id && *id);
-  const SearchIndex::Table* table = 0;
   {
-    boost::mutex::scoped_lock lock(mIndexMutex);
-    if (!mIndex) {
-      // One walk fills every table; entries keep the walk's order, so the first match wins.
-      std::unique_ptr<SearchIndex> index(new SearchIndex);
-      DescendantIterator descendants(static_cast<const Container*>(getSelf()),
-                                     DescendantIterator::ALL_ITEM_TYPES);
-      while (descendants.next()) {
-        const GroupItem* item = descendants.getCurrent();
-        // A parameter reference's id is its parameter's id, so one key serves every kind.
-        const uint64_t key = caseInsensitiveHash(item->getId());
-        index->all[key].push_back(item);
-        if (item->getItemType() == GroupItem::CONTAINER) {
-          index->containers[key].push_back(item);
-        } else if (item->getItemType() == GroupItem::PARAMETER_REF) {
-          index->parameterRefs[key].push_back(item);
-        }
-      }
-      mIndex = std::move(index);
+    ReadGuard lock(mIndexMutex);
+    if (mIndex) {
+      return find(*mIndex, id, itemType);
     }
-    table = itemType == GroupItem::CONTAINER       ? &mIndex->containers
-            : itemType == GroupItem::PARAMETER_REF ? &mIndex->parameterRefs
-                                                   : &mIndex->all;
-    const SearchIndex::Table::const_iterator found = table->find(caseInsensitiveHash(id));
-    if (found == table->end()) {
-      return 0;
-    }
-    for (const GroupItem* item : found->second) {
-      // Ids that only share the hash are skipped here.
-      if (strcasecmp(item->getId(), id) == 0) {
-        return item;
+  }
+  WriteGuard lock(mIndexMutex);
+  if (!mIndex) {
+    // One walk fills every table; entries keep the walk's order, so the first match wins.
+    std::unique_ptr<SearchIndex> index(new SearchIndex);
+    DescendantIterator descendants(static_cast<const Container*>(getSelf()),
+                                   DescendantIterator::ALL_ITEM_TYPES);
+    while (descendants.next()) {
+      const GroupItem* item = descendants.getCurrent();
+      // A parameter reference's id is its parameter's id, so one key serves every kind.
+      const uint64_t key = caseInsensitiveHash(item->getId());
+      index->all[key].push_back(item);
+      if (item->getItemType() == GroupItem::CONTAINER) {
+        index->containers[key].push_back(item);
+      } else if (item->getItemType() == GroupItem::PARAMETER_REF) {
+        index->parameterRefs[key].push_back(item);
       }
+    }
+    mIndex = std::move(index);
+  }
+  return find(*mIndex, id, itemType);
+}
+
+const GroupItem* ContainerImpl::find(const SearchIndex& index, const char* id, int32_t itemType) {
+  const SearchIndex::Table& table = itemType == GroupItem::CONTAINER       ? index.containers
+                                    : itemType == GroupItem::PARAMETER_REF ? index.parameterRefs
+                                                                           : index.all;
+  const SearchIndex::Table::const_iterator found = table.find(caseInsensitiveHash(id));
+  if (found == table.end()) {
+    return 0;
+  }
+  for (const GroupItem* item : found->second) {
+    // Ids that only share the hash are skipped here.
+    if (strcasecmp(item->getId(), id) == 0) {
+      return item;
     }
   }
   return 0;

@@ -8,10 +8,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include <boost/thread/mutex.hpp>
-
 #include "zelk/configuration/Container.h"
 #include "zelk/configuration/impl/GroupItemCollectionImpl.h"
+#include "zelk/configuration/impl/ValueLocks.h"
 
 namespace zelk::configuration::impl {
 
@@ -56,14 +55,16 @@ private:
   // Every search of a container goes through here: the first descendant of the item type
   // (-1: any) whose id matches without regard to case.
   const GroupItem* findDescendant(const char* id, int32_t itemType) const;
+  // The look-up itself, in a built index.
+  static const GroupItem* find(const SearchIndex& index, const char* id, int32_t itemType);
 
   std::string mId;
   std::string mDescription;
   std::string mName;
 
-  // Built by the first search after a change; guarded by its own mutex because searches are const
-  // and may run on several threads.
-  mutable boost::mutex mIndexMutex;
+  // Built by the first search after a change. Searches read it under the shared lock, so those of
+  // one container run side by side; building and forgetting it take the lock exclusively.
+  mutable StateMutex mIndexMutex;
   mutable std::unique_ptr<SearchIndex> mIndex;
 };
 

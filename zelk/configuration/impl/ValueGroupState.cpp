@@ -55,7 +55,8 @@ boost::shared_ptr<ValueItemState> ValueGroupState::clone(int shallow) const {
     copy->mItems.reserve(items.size());
     for (const boost::shared_ptr<ValueItemState>& item : items) {
       boost::shared_ptr<ValueItemState> child = item->clone(0);
-      child->setParent(copy);
+      // Set directly: the copy is held by this new group alone, whatever its copied link said.
+      child->mParent = copy;
       copy->mItems.push_back(child);
     }
     copy->rebuildIndex();
@@ -110,7 +111,13 @@ size_t ValueGroupState::findIndex(const char* name, size_t start) const {
 }
 
 bool ValueGroupState::indexIsCurrent() const {
-  return mIndexValid && mIndexGeneration == getRenameGeneration();
+  return mIndexValid && mIndexRenames == mRenames.load(std::memory_order_acquire) &&
+         mIndexGeneration == getRenameGeneration();
+}
+
+bool ValueGroupState::hasCurrentIndex() const {
+  ReadGuard lock(mMutex);
+  return indexIsCurrent();
 }
 
 void ValueGroupState::rebuildIndex() {
@@ -120,8 +127,9 @@ void ValueGroupState::rebuildIndex() {
   if (count < INDEX_THRESHOLD) {
     return;
   }
-  // The generation is read first: a rename during the build makes the next check fail.
+  // The counters are read first: a rename during the build makes the next check fail.
   mIndexGeneration = getRenameGeneration();
+  mIndexRenames = mRenames.load(std::memory_order_acquire);
   mIndex.reserve(count);
   for (size_t i = 0; i < count; ++i) {
     mIndex[caseInsensitiveHash(mItems[i]->getName())].push_back(i);
@@ -206,6 +214,9 @@ bool ValueGroupState::findNextGroup(size_t& position, const char* name) const {
 
 void ValueGroupState::add(const boost::shared_ptr<ValueItemState>& toAdd) {
   ZELK_CONTRACT(toAdd);
+  if (toAdd->mParent.lock().get() != this) {
+    toAdd->markShared();  // its renames would reach its parent only, not this group
+  }
   boost::shared_ptr<ValueItemState> existing;
   {
     WriteGuard lock(mMutex);

@@ -86,6 +86,13 @@ public:
   bool isComplete() const { return mComplete.load(std::memory_order_acquire); }
   void setComplete(bool complete) { mComplete.store(complete, std::memory_order_release); }
 
+  // Whether look-ups by name answer from the name index: the group is large enough to have one,
+  // and no item it may hold was renamed since it was built.
+  bool hasCurrentIndex() const;
+  // Called by an item of this group whose name changed: look-ups scan until the next change of
+  // the group rebuilds the index. Takes no lock.
+  void noteItemRenamed() { mRenames.fetch_add(1, std::memory_order_acq_rel); }
+
   // The default value of the container's parameter reference name, when it is not a member of a
   // one-of; else Value::Null. Unbound groups have no defaults.
   Value getDefaultValueFor(const char* name) const;
@@ -116,13 +123,15 @@ private:
   std::atomic<bool> mComplete;
 
   // Name index of large groups: case-insensitive name hash -> ascending positions. It changes
-  // only under the exclusive lock, so readers under the shared lock use it as it is. While some
-  // item anywhere was renamed since it was built, look-ups scan instead, and the next change of
-  // the group rebuilds it.
+  // only under the exclusive lock, so readers under the shared lock use it as it is. While an
+  // item of this group, or an item that several groups may hold, was renamed since it was built,
+  // look-ups scan instead, and the next change of the group rebuilds it.
   typedef std::unordered_map<uint64_t, std::vector<size_t>> NameIndex;
   NameIndex mIndex;
   bool mIndexValid = false;
   uint64_t mIndexGeneration = 0;
+  uint64_t mIndexRenames = 0;
+  std::atomic<uint64_t> mRenames{0};
 };
 
 }  // namespace zelk::configuration::impl

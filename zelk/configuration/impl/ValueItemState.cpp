@@ -30,6 +30,7 @@ ValueItemState::ValueItemState(const GroupItem* groupItem)
   ZELK_CONTRACT(groupItem != 0);
 }
 
+// The copy is in no group yet; the parent link is copied as it stands (see ValueGroupState::clone).
 ValueItemState::ValueItemState(const ValueItemState& other)
     : mInstanceId(getNextInstanceId()),
       mName(other.mName),
@@ -52,9 +53,13 @@ void ValueItemState::reset() {
   // Only the binding changes, so the previous name's storage stays valid.
   const char* before = getName();
   mGroupItem = 0;
-  mParent.reset();
   noteRename(before);
   bindingChanged();
+  // The parent may still hold the item, but would no longer hear of its renames.
+  if (!mParent.expired()) {
+    markShared();
+  }
+  mParent.reset();
 }
 
 const char* ValueItemState::getName() const {
@@ -73,6 +78,10 @@ void ValueItemState::setName(const char* name) {
 boost::shared_ptr<ValueGroupState> ValueItemState::getParent() const { return mParent.lock(); }
 
 void ValueItemState::setParent(const boost::shared_ptr<ValueGroupState>& parent) {
+  const boost::shared_ptr<ValueGroupState> previous = mParent.lock();
+  if (previous && previous != parent) {
+    markShared();  // the previous parent may still hold the item
+  }
   mParent = parent;
 }
 
@@ -97,9 +106,15 @@ uint64_t ValueItemState::getRenameGeneration() {
 }
 
 void ValueItemState::noteRename(const char* before) const {
-  if (!namesEqual(before, getName())) {
-    gRenameGeneration.fetch_add(1, std::memory_order_acq_rel);
+  if (namesEqual(before, getName())) {
+    return;
   }
+  if (mShared.load(std::memory_order_acquire)) {
+    gRenameGeneration.fetch_add(1, std::memory_order_acq_rel);
+  } else if (const boost::shared_ptr<ValueGroupState> parent = mParent.lock()) {
+    parent->noteItemRenamed();
+  }
+  // An item that is neither shared nor parented sits in no group: no index knows its name.
 }
 
 bool ValueItemState::namesEqual(const char* a, const char* b) {

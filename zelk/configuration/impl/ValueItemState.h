@@ -7,6 +7,7 @@
 // texts that change later are guarded by the subclasses' own reader/writer mutexes.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 
@@ -59,17 +60,26 @@ public:
   static const char* getItemTypeName(ValueGroupItem::ItemType type);
   // Whether two item names are equal, ignoring ASCII case (null equals only null).
   static bool namesEqual(const char* a, const char* b);
-  // A counter that grows whenever some item's effective name changes other than in case; groups
-  // rebuild their name index when it moved since they built it.
+  // A counter that grows whenever the effective name of an item that more than one group may hold
+  // changes other than in case; every group rebuilds its name index when it moved since it built
+  // it. Renames of other items are told to their parent group alone (see noteRename).
   static uint64_t getRenameGeneration();
 
 protected:
-  // Counts a rename when the effective name moved from before to a different name.
+  friend class ValueGroupState;
+
+  // Tells the groups that may hold this item that its name moved from before, when it did: its
+  // parent alone while the parent is the only group that can hold it, else every group.
   void noteRename(const char* before) const;
   // Called after the binding changed (setGroupItem, reset), for what a subclass derives from it.
   virtual void bindingChanged() {}
+  // Records that a group other than the parent may hold the item (it was added to a group that
+  // is not its parent, or it left a parent that may still hold it): from then on its renames are
+  // told to every group.
+  void markShared() { mShared.store(true, std::memory_order_release); }
 
   uint32_t mInstanceId;
+  std::atomic<bool> mShared{false};
   std::string mName;
   const GroupItem* mGroupItem;
   boost::weak_ptr<ValueGroupState> mParent;

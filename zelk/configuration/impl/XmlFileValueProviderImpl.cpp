@@ -4,6 +4,7 @@
 #include "zelk/configuration/ConfigurationManager.h"
 #include "zelk/configuration/Specification.h"
 #include "zelk/configuration/ValidationErrors.h"
+#include "zelk/configuration/impl/FileOpener.h"
 #include "zelk/configuration/impl/SpecificationMatcher.h"
 #include "zelk/configuration/impl/SpecificationValuesFinder.h"
 #include "zelk/configuration/impl/XmlFileLoader.h"
@@ -16,7 +17,8 @@ namespace zelk::configuration::impl {
 XmlFileValueProviderImpl::XmlFileValueProviderImpl(int priority, const std::string&)
     : ValueProviderImpl(ConfigurationManager::XML_FILE_PROVIDER_NAME, priority,
                         ConfigurationManager::XML_FILE_PROVIDER_NAME),
-      mFixed(false) {
+      mFixed(false),
+      mMaxFileSize(zelk::host::XmlTokenReader::DEFAULT_MAX_FILE_SIZE) {
   mDocument.startElement(ConfigurationManager::XML_FILE_PROVIDER_NAME);
   mDocument.endElement();
 }
@@ -26,9 +28,7 @@ XmlFileValueProviderImpl::~XmlFileValueProviderImpl() {}
 void XmlFileValueProviderImpl::setArguments(const char* path, int) {
   mXmlFilePath = path != 0 ? path : "";
   zelk::host::XmlTokenReader reader;
-  if (!reader.openFile(mXmlFilePath.c_str())) {
-    throw ConfigurationException("File \"%s\" was not found", mXmlFilePath.c_str());
-  }
+  openXmlFile(reader, mXmlFilePath.c_str(), mMaxFileSize);
   XmlFileLoader loader(reader);
   XmlValueDocument loaded;
   if (!loader.loadDocument(loaded)) {

@@ -11,6 +11,7 @@
 //   ValueGroup raw = impl.getSpecificationValues(*spec, 0);
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "zelk/configuration/ValueGroup.h"
@@ -25,8 +26,9 @@ public:
   ~XmlFileValueProviderImpl() override;
 
   // Loads the file at path. Throws ConfigurationException "File \"%s\" was not found" when it
-  // cannot be opened and ValidationException with the reader's message when it is malformed; in
-  // both cases the tree loaded before stays.
+  // cannot be opened, ConfigurationException naming its size and the limit when it is larger than
+  // getMaxFileSize() (see openXmlFile), and ValidationException with the reader's message when it
+  // is malformed; in each case the tree loaded before stays.
   void setArguments(const char* path, int options) override;
   // Loads argv[0]; throws ConfigurationException "Must provide at least one argument" when argc
   // is not positive.
@@ -40,6 +42,10 @@ public:
 
   const char* getXmlFilePath() const { return mXmlFilePath.c_str(); }
 
+  // The largest file the next setArguments reads (64 MiB unless set; the manager sets its own).
+  void setMaxFileSize(std::size_t bytes) { mMaxFileSize = bytes; }
+  std::size_t getMaxFileSize() const { return mMaxFileSize; }
+
 private:
   // The file as read, until the first request turns it into mValues; before the first load, a
   // document of one empty element named "XML_FILE".
@@ -49,6 +55,7 @@ private:
   // True once mValues was built from mDocument.
   mutable bool mFixed;
   std::string mXmlFilePath;
+  std::size_t mMaxFileSize;
 };
 
 }  // namespace zelk::configuration::impl

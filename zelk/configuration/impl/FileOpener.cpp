@@ -1,0 +1,29 @@
+#include "zelk/configuration/impl/FileOpener.h"
+
+#include "zelk/configuration/ConfigurationException.h"
+#include "zelk/host/HostProcess.h"
+#include "zelk/host/XmlTokenReader.h"
+
+namespace zelk::configuration::impl {
+
+namespace {
+
+const bool hostInitialised = zelk::host::hostProcessInit();
+
+}  // namespace
+
+void openXmlFile(zelk::host::XmlTokenReader& reader, const char* path, std::size_t maxFileSize) {
+  reader.setMaxFileSize(maxFileSize);
+  const char* name = path != nullptr ? path : "";
+  if (reader.openFile(path)) {
+    return;
+  }
+  if (!reader.wasTooLarge()) {
+    throw ConfigurationException("File \"%s\" was not found", name);
+  }
+  // The reader's text names the file, its size and the limit; the path is an argument, never part
+  // of the format.
+  throw ConfigurationException("%s", reader.getErrorText());
+}
+
+}  // namespace zelk::configuration::impl
