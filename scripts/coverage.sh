@@ -27,8 +27,10 @@ trace="$build/coverage.json"
 gcovr -r "$root" --object-directory "$build" --exclude-directories "$build/CMakeFiles/[0-9][^/]*" \
   --exclude-throw-branches --exclude-unreachable-branches -j "$(nproc)" --json -o "$trace" "$build"
 for part in zelk tools; do
+  # The per-file report goes to a file of the build: gcovr replaces its output file by renaming,
+  # which would replace /dev/null itself when run as root.
   summary=$(gcovr -r "$root" --add-tracefile "$trace" --filter "$root/$part/" --print-summary \
-    -o /dev/null)
+    -o "$build/coverage-$part.txt")
   lines=$(sed -n 's/^lines: *\([0-9.]*%\) (\(.*\))/\1 (\2)/p' <<<"$summary")
   branches=$(sed -n 's/^branches: *\([0-9.]*%\) (\(.*\))/\1 (\2)/p' <<<"$summary")
   printf '%-6s lines %s  branches %s\n' "$part/" "$lines" "$branches"
