@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <sstream>
 
 #include "configuration/Models.h"
 #include "support/TempDir.h"
@@ -14,6 +15,7 @@
 #include "zelk/configuration/UnboundedValue.h"
 #include "zelk/configuration/Value.h"
 #include "zelk/configuration/ValueFileWriter.h"
+#include "zelk/util/ContractViolationException.h"
 #include "zelk/configuration/ValueGroupIterator.h"
 #include "zelk/configuration/ValueIterator.h"
 #include "zelk/configuration/XmlFileValueProvider.h"
@@ -388,6 +390,13 @@ TEST_F(XmlFileValueProviderTest, WrittenValuesReadBackTheSame) {
   EXPECT_EQ(dump(values), dump(reader.getValues(*mModel.archive, 0)));
   EXPECT_NE(std::string::npos, zelk::test::readTextFile(path).find(
       "<archive name=\"a &amp; &lt;b&gt; &quot;q&quot; '&#9;x&#10;y&#13;z\""));
+  std::ostringstream stream;  // the stream form writes the same text
+  ValueFileWriter::write(stream, *mModel.archive, values);
+  EXPECT_EQ(zelk::test::readTextFile(path), stream.str());
+  EXPECT_EQ("File \"" + mDir.path() + "\" cannot be written",
+            messageOf([&] { ValueFileWriter::writeFile(mDir.path().c_str(), *mModel.archive, values); }));
+  EXPECT_THROW(ValueFileWriter::writeFile("", *mModel.archive, values),
+               zelk::ContractViolationException);
 
   // Trees that cannot be written: nothing is written then.
   const auto refused = [&](const ValueGroup& tree) {

@@ -288,6 +288,13 @@ TEST_F(ValueTest, TryGetValueKeepsTheDeliberateIndexTest) {
   ObjectId oid;
   EXPECT_TRUE(group.tryGetValue("oid", oid));
   EXPECT_EQ(ObjectId(1, 2, 0, 0), oid);
+  // Identifiers are equal field by field; only 0-0-0-0 is null.
+  for (const ObjectId& other : {ObjectId(9, 2, 0, 0), ObjectId(1, 9, 0, 0), ObjectId(1, 2, 9, 0),
+                                ObjectId(1, 2, 0, 9)}) {
+    EXPECT_FALSE(oid == other);
+    EXPECT_FALSE(other.isNull());
+  }
+  EXPECT_TRUE(ObjectId().isNull());
   uint64_t big = 0;
   EXPECT_TRUE(group.tryGetValue("n", big));
   double d = 0;
