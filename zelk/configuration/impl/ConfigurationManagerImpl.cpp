@@ -357,7 +357,6 @@ bool ConfigurationManagerImpl::loadConfigurationFile(const std::string& path,
   }
   if (zelk::host::hostFileExists(file.c_str()) != zelk::host::HOST_FILE_NOT_FOUND) {
     XmlFileValueProvider* provider = new XmlFileValueProvider(takeNextPriority(), "");
-    provider->getXmlFileImpl()->setMaxFileSize(mMaxFileSize);
     try {
       registerValueProvider(provider);
     } catch (...) {

@@ -14,6 +14,7 @@
 #include "zelk/configuration/ValueGroup.h"
 #include "zelk/configuration/ValueIterator.h"
 #include "zelk/configuration/impl/XmlFileLoader.h"
+#include "zelk/util/UtfUtil.h"
 
 namespace zelk::configuration::impl {
 
@@ -47,34 +48,14 @@ const char* checkedName(const char* id) {
 }
 
 // The length of the UTF-8 sequence at text[i] and its code point; 0 when it is not valid UTF-8
-// (overlong forms, surrogates and code points above U+10FFFF included).
+// (overlong forms, surrogates and code points above U+10FFFF included, which the decoder leaves to
+// its callers).
 std::size_t decodeUtf8(const std::string& text, std::size_t i, unsigned int& cp) {
-  const unsigned char lead = static_cast<unsigned char>(text[i]);
-  std::size_t length;
-  if (lead < 0x80) {
-    cp = lead;
-    return 1;
-  } else if (lead >= 0xC2 && lead <= 0xDF) {
-    length = 2;
-    cp = lead & 0x1F;
-  } else if (lead >= 0xE0 && lead <= 0xEF) {
-    length = 3;
-    cp = lead & 0x0F;
-  } else if (lead >= 0xF0 && lead <= 0xF4) {
-    length = 4;
-    cp = lead & 0x07;
-  } else {
-    return 0;
-  }
-  if (i + length > text.size()) return 0;
-  for (std::size_t k = 1; k < length; ++k) {
-    const unsigned char next = static_cast<unsigned char>(text[i + k]);
-    if ((next & 0xC0) != 0x80) return 0;
-    cp = (cp << 6) | (next & 0x3F);
-  }
-  const unsigned int minimum = length == 2 ? 0x80 : length == 3 ? 0x800 : 0x10000;
+  const int length = zelk::UtfUtil::getUtf8CodePoint(text.c_str() + i, cp);
+  if (length <= 0) return 0;
+  const unsigned int minimum = length == 1 ? 0 : length == 2 ? 0x80 : length == 3 ? 0x800 : 0x10000;
   if (cp < minimum || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) return 0;
-  return length;
+  return static_cast<std::size_t>(length);
 }
 
 bool isXmlChar(unsigned int cp) {

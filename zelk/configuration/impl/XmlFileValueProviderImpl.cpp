@@ -17,18 +17,23 @@ namespace zelk::configuration::impl {
 XmlFileValueProviderImpl::XmlFileValueProviderImpl(int priority, const std::string&)
     : ValueProviderImpl(ConfigurationManager::XML_FILE_PROVIDER_NAME, priority,
                         ConfigurationManager::XML_FILE_PROVIDER_NAME),
-      mFixed(false),
-      mMaxFileSize(zelk::host::XmlTokenReader::DEFAULT_MAX_FILE_SIZE) {
+      mFixed(false) {
   mDocument.startElement(ConfigurationManager::XML_FILE_PROVIDER_NAME);
   mDocument.endElement();
 }
 
 XmlFileValueProviderImpl::~XmlFileValueProviderImpl() {}
 
+std::size_t XmlFileValueProviderImpl::getMaxFileSize() const {
+  const ConfigurationManager* manager = getManager();
+  return manager != 0 ? manager->getMaxFileSize()
+                      : zelk::host::XmlTokenReader::DEFAULT_MAX_FILE_SIZE;
+}
+
 void XmlFileValueProviderImpl::setArguments(const char* path, int) {
   mXmlFilePath = path != 0 ? path : "";
   zelk::host::XmlTokenReader reader;
-  openXmlFile(reader, mXmlFilePath.c_str(), mMaxFileSize);
+  openXmlFile(reader, mXmlFilePath.c_str(), getMaxFileSize());
   XmlFileLoader loader(reader);
   XmlValueDocument loaded;
   if (!loader.loadDocument(loaded)) {

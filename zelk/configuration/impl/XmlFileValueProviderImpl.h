@@ -42,9 +42,9 @@ public:
 
   const char* getXmlFilePath() const { return mXmlFilePath.c_str(); }
 
-  // The largest file the next setArguments reads (64 MiB unless set; the manager sets its own).
-  void setMaxFileSize(std::size_t bytes) { mMaxFileSize = bytes; }
-  std::size_t getMaxFileSize() const { return mMaxFileSize; }
+  // The largest file setArguments reads: the limit of the manager the provider is registered
+  // with, else the reader's default (64 MiB).
+  std::size_t getMaxFileSize() const;
 
 private:
   // The file as read, until the first request turns it into mValues; before the first load, a
@@ -55,7 +55,6 @@ private:
   // True once mValues was built from mDocument.
   mutable bool mFixed;
   std::string mXmlFilePath;
-  std::size_t mMaxFileSize;
 };
 
 }  // namespace zelk::configuration::impl
