@@ -154,12 +154,16 @@ TEST_F(ValueRetrievalTest, EachManagerResolvesItsProvidersSpecificationsInItself
   other->registerValueProvider(cli);
   const char* argv[] = {"tool", "-target", "/there"};
   cli->enableProvider(3, argv, "archive", 0);
-  EXPECT_EQ("/there", other->getValueGroup("archive", true, 0).getValue("target").asString());
+  ValueGroup fromOther = other->getValueGroup("archive", true, 0);
+  EXPECT_EQ("/there", fromOther.getValue("target").asString());
   EXPECT_EQ("/here", mManager->getValueGroup("archive", true, 0).getValue("target").asString());
 
-  // Taken back, the provider outlives the manager and looks in the process-wide one again.
+  // Taken back, the provider outlives the manager and looks in the process-wide one again; the
+  // manager's values outlive it too.
   other->unregisterValueProvider(cli->getId());
   impl::Factory::destroy(other);
+  EXPECT_EQ("/there", fromOther.getValue("target").asString());
+  EXPECT_EQ(3, fromOther.getValue("level").asInt32());
   cli->enableProvider(3, argv, "archive", 0);
   EXPECT_EQ("/there", cli->getValues(*mModel.archive, 0x14).getValue("target").asString());
   delete cli;

@@ -105,7 +105,9 @@ public:
   // Registers the storage-location validator and one validator per "ParameterValidator" plug-in.
   void registerDefaultValidators();
   // Clears every registry and cache, then registers the default validators and loads the
-  // registry files again.
+  // registry files again. Value trees and values handed out earlier keep their values, names,
+  // types and defaults: the specifications they are bound to stay alive, unreachable from the
+  // manager, until the last of them is released (the same holds when the manager is destroyed).
   void reset();
 
   // The largest registry or value file, in bytes, that this manager reads: 64 MiB unless set.

@@ -9,7 +9,10 @@
 #include "configuration/Models.h"
 #include "support/MainLogCapture.h"
 #include "zelk/configuration/ConfigurationException.h"
+#include "zelk/configuration/Parameter.h"
+#include "zelk/configuration/UnboundedValue.h"
 #include "zelk/configuration/Validator.h"
+#include "zelk/configuration/ValueGroup.h"
 #include "zelk/configuration/Value.h"
 #include "zelk/configuration/ValueProvider.h"
 #include "zelk/configuration/XmlFileValueProvider.h"
@@ -208,6 +211,73 @@ TEST_F(ConfigurationManagerStartupTest, EnableConfigurationReportsBadFiles) {
   EXPECT_EQ(fileEntry(missingApplication, false), log.texts("Configuration").back());
   // The providers made before the failure stay.
   EXPECT_EQ((std::vector<std::pair<std::string, int>>{{"CLI", 1}}), providers(*manager));
+}
+
+// A validator that tells when it is destroyed.
+class WatchedValidator : public Validator {
+public:
+  explicit WatchedValidator(bool& destroyed) : Validator("watched"), mDestroyed(destroyed) {}
+  ~WatchedValidator() override { mDestroyed = true; }
+  using Validator::validate;
+  char* validate(const char*) const override { return nullptr; }
+
+private:
+  bool& mDestroyed;
+};
+
+TEST_F(ConfigurationManagerStartupTest, TreesHandedOutOutliveAResetAndTakeTheOldRegistryAlong) {
+  mInstallation.writeEtcFile(
+      "zelk.crg",
+      registry("<Enumerations><Enumeration id=\"modes\"><Value label=\"fast\"/>"
+               "<Value label=\"slow\"/></Enumeration></Enumerations>"
+               "<Parameters><Parameter id=\"level\" type=\"uint32\" description=\"L\"/>"
+               "<Parameter id=\"mode\" type=\"enum\" enumType=\"modes\" default=\"slow\" "
+               "description=\"M\"/><Parameter id=\"path\" type=\"string\" description=\"P\"/>"
+               "<Parameter id=\"name\" type=\"string\" description=\"N\"/></Parameters>"
+               "<Specifications><Specification id=\"tool\" description=\"T\">"
+               "<ParameterRef id=\"level\" optional=\"true\"/>"
+               "<ParameterRef id=\"mode\" optional=\"true\"/>"
+               "<ParameterRef id=\"path\" optional=\"true\" unbounded=\"true\"/>"
+               "<Container id=\"db\" optional=\"true\" description=\"D\">"
+               "<ParameterRef id=\"name\" optional=\"true\"/></Container>"
+               "</Specification></Specifications>"));
+  const std::string file =
+      mInstallation.writeConfigFile("values.xml", "<tool><path value=\"/f\"/><db name=\"d\"/></tool>");
+  ConfigurationManager* manager = ConfigurationManager::getInstance();
+  const char* argv[] = {"tool", "-level", "7", "-path", "/c"};
+  manager->enableConfiguration(false, file.c_str(), 5, argv, "tool");
+  bool destroyed = false;
+  manager->registerValidator(new WatchedValidator(destroyed));
+  {
+    ValueGroup mine(manager->getSpecification("tool"));
+    mine.addValue("level", "8");
+    manager->setApplicationValues(mine, 0);
+    ValueGroup merged = manager->getValueGroup("tool", true, 0);
+    Value mode = merged.getValue("mode");  // the registry's own default, not part of the tree
+    ValueGroup db = merged.getValueGroup("db");
+    const std::string before = manager->getRepresentation(merged);
+
+    // Every provider and every registry object goes, then a new start reads other values.
+    manager->reset();
+    const char* again[] = {"tool", "-level", "9"};
+    manager->enableConfiguration(false, nullptr, 3, again, "tool");
+    EXPECT_EQ(9u, manager->getValueGroup("tool", true, 0).getValue("level").asUInt32());
+    EXPECT_FALSE(destroyed);
+
+    EXPECT_EQ(before, manager->getRepresentation(merged));
+    EXPECT_EQ(8u, merged.getValue("level").asUInt32());
+    EXPECT_EQ(8u, mine.getValue("level").asUInt32());
+    EXPECT_EQ(2u, merged.getUnboundedValue("path").getValueCount());
+    EXPECT_EQ("slow", mode.asString());
+    EXPECT_EQ(Parameter::ENUM, mode.getValueType());
+    EXPECT_EQ("d", db.getValue("name").asString());
+    merged = ValueGroup::Null;
+    // A default read on its own keeps the tree it came from, and so the registry, alive.
+    EXPECT_EQ("slow", mode.asString());
+    EXPECT_FALSE(destroyed);
+  }
+  // The last handle on the old registry's values took it along.
+  EXPECT_TRUE(destroyed);
 }
 
 TEST(ContextManagerTest, RunsInAContextOfItsOwnAndRestoresThePreviousOne) {

@@ -69,6 +69,7 @@ void ConfigurationManagerImpl::destroy(ValueProvider* provider) {
 
 ConfigurationManagerImpl::ConfigurationManagerImpl(ConfigurationManager* self)
     : mSelf(self),
+      mGeneration(new RegistryGeneration),
       mNextPriority(1),
       mMaxFileSize(zelk::host::XmlTokenReader::DEFAULT_MAX_FILE_SIZE),
       mValidatorExtensionPoint(0) {
@@ -155,6 +156,7 @@ size_t ConfigurationManagerImpl::getNumberOfValidators() const { return mValidat
 void ConfigurationManagerImpl::registerGlobalItem(GlobalItem* item) {
   ZELK_CONTRACT(item != 0);
   mGlobalItems.add(item->getId(), item);
+  RegistryGeneration::stamp(*item, mGeneration.get());
 }
 
 GlobalItem* ConfigurationManagerImpl::getGlobalItem(const char* name) const {
@@ -162,6 +164,13 @@ GlobalItem* ConfigurationManagerImpl::getGlobalItem(const char* name) const {
 }
 
 bool ConfigurationManagerImpl::unregisterGlobalItem(const char* name) {
+  // The caller owns the items taken back; values bound to them from now on hold nothing here.
+  for (GlobalItemMap::ConstIterator it = mGlobalItems.begin();
+       name != 0 && it != mGlobalItems.end(); ++it) {
+    if (it->first == name && RegistryGeneration::of(*it->second) == mGeneration.get()) {
+      RegistryGeneration::stamp(*it->second, 0);
+    }
+  }
   return mGlobalItems.remove(name);
 }
 
@@ -199,6 +208,7 @@ size_t ConfigurationManagerImpl::getNumberOfEnumDefinitions() const {
 void ConfigurationManagerImpl::registerSpecification(Specification* specification) {
   ZELK_CONTRACT(specification != 0);
   mSpecifications.add(specification->getId(), specification);
+  RegistryGeneration::stamp(*specification, mGeneration.get());
 }
 
 Specification* ConfigurationManagerImpl::getSpecification(const char* name) const {
@@ -206,6 +216,13 @@ Specification* ConfigurationManagerImpl::getSpecification(const char* name) cons
 }
 
 bool ConfigurationManagerImpl::unregisterSpecification(const char* name) {
+  // As for global items: the caller owns what it takes back.
+  for (SpecificationMap::ConstIterator it = mSpecifications.begin();
+       name != 0 && it != mSpecifications.end(); ++it) {
+    if (it->first == name && RegistryGeneration::of(*it->second) == mGeneration.get()) {
+      RegistryGeneration::stamp(*it->second, 0);
+    }
+  }
   return mSpecifications.remove(name);
 }
 
@@ -436,13 +453,13 @@ void ConfigurationManagerImpl::reset() {
 }
 
 void ConfigurationManagerImpl::clearCaches() {
-  // Values first: they point into the specifications, which point to the global items.
+  // Values first: they point into the specifications, which point to the global items. Trees
+  // handed out may still hold the generation; the objects then live on with them.
   clearValueCache();
   mValueProviders.clear();
-  mSpecifications.clear();
-  mGlobalItems.clear();
-  mValidators.clear();
-  mEnumDefinitions.clear();
+  mGeneration->retire(mSpecifications.release(), mGlobalItems.release(), mValidators.release(),
+                      mEnumDefinitions.release());
+  mGeneration = new RegistryGeneration;
   mRepresentation.clear();
 }
 

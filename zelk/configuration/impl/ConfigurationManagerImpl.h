@@ -7,10 +7,12 @@
 #include <map>
 #include <string>
 
+#include <boost/intrusive_ptr.hpp>
 #include <boost/shared_ptr.hpp>
 
 #include "zelk/configuration/ConfigurationManager.h"
 #include "zelk/configuration/impl/ObjectMap.h"
+#include "zelk/configuration/impl/RegistryGeneration.h"
 #include "zelk/util/CaseInsensitiveLess.h"
 
 namespace zelk::host {
@@ -94,8 +96,10 @@ public:
   // clearCaches(), the priorities restart at 1, registerDefaultValidators() and
   // loadDefaultConfigurationRegistry().
   void reset();
-  // Empties the value cache, then destroys the providers, specifications, global items,
-  // validators and enumeration definitions, then empties the representation buffer.
+  // Empties the value cache, destroys the providers, retires the specifications, global items,
+  // validators and enumeration definitions into the current registry generation and starts a new
+  // one, then empties the representation buffer. The retired objects are destroyed at once unless
+  // values handed out are still bound to them; then they go with the last of those.
   void clearCaches();
 
   // Value retrieval.
@@ -130,6 +134,8 @@ private:
   ConfigurationManagerImpl& operator=(const ConfigurationManagerImpl&) = delete;
 
   ConfigurationManager* mSelf;
+  // Owns what the maps below hold once they are cleared (see RegistryGeneration).
+  boost::intrusive_ptr<RegistryGeneration> mGeneration;
   SpecificationMap mSpecifications;
   EnumDefinitionMap mEnumDefinitions;
   GlobalItemMap mGlobalItems;

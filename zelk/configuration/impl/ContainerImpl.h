@@ -14,6 +14,8 @@
 
 namespace zelk::configuration::impl {
 
+class RegistryGeneration;
+
 class ContainerImpl : public GroupItemCollectionImpl {
 public:
   static const int32_t UNUSED_CHARACTERISTICS = GroupItem::HIDDEN;
@@ -43,6 +45,11 @@ public:
   // nested container) gained an item.
   void invalidateSearchIndex();
 
+  // The registry generation of the specification whose items this container holds, or null (see
+  // RegistryGeneration).
+  RegistryGeneration* getGeneration() const { return mGeneration; }
+  void setGeneration(RegistryGeneration* generation) { mGeneration = generation; }
+
 private:
   // Case-insensitive id hash -> items in iteration order, one table per searched item type.
   struct SearchIndex {
@@ -61,6 +68,7 @@ private:
   std::string mId;
   std::string mDescription;
   std::string mName;
+  RegistryGeneration* mGeneration = nullptr;
 
   // Built by the first search after a change. Searches read it under the shared lock, so those of
   // one container run side by side; building and forgetting it take the lock exclusively.

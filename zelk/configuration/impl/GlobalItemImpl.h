@@ -7,6 +7,8 @@
 
 namespace zelk::configuration::impl {
 
+class RegistryGeneration;
+
 class GlobalItemImpl {
 public:
   // Contract: id is neither null nor empty.
@@ -21,11 +23,16 @@ public:
   virtual GlobalItem::ItemType getItemType() const = 0;
   virtual const char* getItemTypeName() const = 0;
 
+  // The registry generation of the manager that holds the item, or null (see RegistryGeneration).
+  RegistryGeneration* getGeneration() const { return mGeneration; }
+  void setGeneration(RegistryGeneration* generation) { mGeneration = generation; }
+
 protected:
   GlobalItem* mSelf;
   std::string mId;
   std::string mName;
   std::string mDescription;
+  RegistryGeneration* mGeneration = nullptr;
 };
 
 }  // namespace zelk::configuration::impl

@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "zelk/configuration/ConfigurationException.h"
 #include "zelk/util/Contracts.h"
@@ -66,6 +67,17 @@ public:
       Destroy(it->second);
     }
     mMap.clear();
+  }
+
+  // Hands every object over in key order without destroying it, then empties the map.
+  std::vector<T*> release() {
+    std::vector<T*> objects;
+    objects.reserve(mMap.size());
+    for (typename Map::iterator it = mMap.begin(); it != mMap.end(); ++it) {
+      objects.push_back(it->second);
+    }
+    mMap.clear();
+    return objects;
   }
 
   size_t size() const { return mMap.size(); }

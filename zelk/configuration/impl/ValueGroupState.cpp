@@ -8,6 +8,7 @@
 #include "zelk/configuration/ParameterRef.h"
 #include "zelk/configuration/Value.h"
 #include "zelk/configuration/ValueGroup.h"
+#include "zelk/configuration/impl/ValueAccess.h"
 #include "zelk/configuration/impl/ValueState.h"
 #include "zelk/util/CaseInsensitiveHash.h"
 #include "zelk/util/Contracts.h"
@@ -281,7 +282,13 @@ Value ValueGroupState::getDefaultValueFor(const char* name) const {
   if (ref == 0 || ref->getOneOf() != 0) {
     return Value::Null;
   }
-  return ref->getDefaultValue();
+  const boost::shared_ptr<ValueState> fallback = ValueAccess::peekState(ref->getDefaultValue());
+  if (!fallback) {
+    return Value::Null;
+  }
+  // The registry keeps its defaults; the handle shares this group's ownership instead, so that
+  // the group, and with it the registry generation it holds, lives as long as the handle.
+  return Value(boost::shared_ptr<ValueState>(shared_from_this(), fallback.get()));
 }
 
 ValueGroup ValueGroupState::getDefaultValueGroup(const char* name) const {

@@ -26,7 +26,9 @@ ValueItemState::ValueItemState(const char* name)
 }
 
 ValueItemState::ValueItemState(const GroupItem* groupItem)
-    : mInstanceId(getNextInstanceId()), mGroupItem(groupItem) {
+    : mInstanceId(getNextInstanceId()),
+      mGroupItem(groupItem),
+      mGeneration(RegistryGeneration::of(groupItem)) {
   ZELK_CONTRACT(groupItem != 0);
 }
 
@@ -35,7 +37,8 @@ ValueItemState::ValueItemState(const ValueItemState& other)
     : mInstanceId(getNextInstanceId()),
       mName(other.mName),
       mGroupItem(other.mGroupItem),
-      mParent(other.mParent) {}
+      mParent(other.mParent),
+      mGeneration(other.mGeneration) {}
 
 ValueItemState::~ValueItemState() {}
 
@@ -91,6 +94,7 @@ void ValueItemState::setGroupItem(const GroupItem* groupItem) {
   ZELK_CONTRACT(mGroupItem == 0 || mGroupItem == groupItem);
   const char* before = getName();
   mGroupItem = groupItem;
+  mGeneration = RegistryGeneration::of(groupItem);
   noteRename(before);
   bindingChanged();
 }

@@ -3,6 +3,8 @@
 //
 // States are shared by handles through boost::shared_ptr; a group holds its items by shared
 // pointer and each item points back to its group weakly, so neither keeps the other alive.
+// A bound state holds the registry generation of its item, so that the specification it points
+// into outlives a clear of its manager for as long as the state lives.
 // Name, binding and parent are set while a tree is built and read afterwards; the item lists and
 // texts that change later are guarded by the subclasses' own reader/writer mutexes.
 #pragma once
@@ -11,10 +13,12 @@
 #include <cstdint>
 #include <string>
 
+#include <boost/intrusive_ptr.hpp>
 #include <boost/shared_ptr.hpp>
 #include <boost/weak_ptr.hpp>
 
 #include "zelk/configuration/ValueGroupItem.h"
+#include "zelk/configuration/impl/RegistryGeneration.h"
 
 namespace zelk::configuration {
 class GroupItem;
@@ -53,7 +57,7 @@ public:
   boost::shared_ptr<ValueGroupState> getParent() const;
   void setParent(const boost::shared_ptr<ValueGroupState>& parent);
   // Binds the item once; contracts "groupItem != 0" and "mGroupItem == 0 || mGroupItem ==
-  // groupItem".
+  // groupItem". The state then holds groupItem's registry generation.
   void setGroupItem(const GroupItem* groupItem);
 
   // The name of an item type; contract on the range VALUE..VALUE_GROUP.
@@ -77,12 +81,15 @@ protected:
   // is not its parent, or it left a parent that may still hold it): from then on its renames are
   // told to every group.
   void markShared() { mShared.store(true, std::memory_order_release); }
+  // Keeps generation alive for as long as the state lives or until the next binding.
+  void holdGeneration(RegistryGeneration* generation) { mGeneration = generation; }
 
   uint32_t mInstanceId;
   std::atomic<bool> mShared{false};
   std::string mName;
   const GroupItem* mGroupItem;
   boost::weak_ptr<ValueGroupState> mParent;
+  boost::intrusive_ptr<const RegistryGeneration> mGeneration;
 };
 
 }  // namespace zelk::configuration::impl

@@ -102,7 +102,9 @@ ValueState::ValueState(const Parameter* parameter)
       mDefaultParameter(parameter),
       mValueType(findValueType()),
       mCacheTag(0),
-      mCacheBits(0) {}
+      mCacheBits(0) {
+  holdGeneration(RegistryGeneration::of(parameter));
+}
 
 ValueState::ValueState(const ValueState& other, int shallow)
     : ValueItemState(other),
@@ -110,6 +112,11 @@ ValueState::ValueState(const ValueState& other, int shallow)
       mValueType(other.mValueType),
       mCacheTag(0),
       mCacheBits(0) {
+  // A copy of a registry's own default is the caller's, and keeps what it points into alive.
+  if (!mGeneration) {
+    holdGeneration(mGroupItem != 0 ? RegistryGeneration::of(mGroupItem)
+                                   : RegistryGeneration::of(mDefaultParameter));
+  }
   if (shallow == 0) {
     ReadGuard lock(other.mMutex);
     mTexts = other.mTexts;
@@ -149,6 +156,8 @@ boost::shared_ptr<ValueState> ValueState::create(const ParameterRef* ref, const 
 boost::shared_ptr<ValueState> ValueState::createDefault(const Parameter* parameter,
                                                         const char* text) {
   boost::shared_ptr<ValueState> state(new ValueState(parameter));
+  // Kept by the registry itself: a hold would keep the registry alive forever.
+  state->holdGeneration(0);
   if (text != 0) {
     state->add(text);
   }

@@ -40,7 +40,8 @@ public:
   explicit ValueState(const char* name);
   // An empty value bound to groupItem.
   explicit ValueState(const GroupItem* groupItem);
-  // An empty default value of parameter, named by the parameter's id.
+  // An empty default value of parameter, named by the parameter's id; it holds the parameter's
+  // registry generation.
   explicit ValueState(const Parameter* parameter);
   // A copy (new instance id) with the texts, or without them when shallow is non-zero.
   ValueState(const ValueState& other, int shallow);
@@ -52,7 +53,8 @@ public:
   // A value bound to ref holding text; contract "Must provide a ParameterRef". Booleans take no
   // text (null means true); other types need a non-empty one.
   static boost::shared_ptr<ValueState> create(const ParameterRef* ref, const char* text);
-  // The default value of parameter holding text, validated by the parameter's type.
+  // The default value of parameter holding text, validated by the parameter's type. Made for the
+  // registry to keep, it holds no registry generation (see getDefaultValueFor in ValueGroupState).
   static boost::shared_ptr<ValueState> createDefault(const Parameter* parameter, const char* text);
 
   bool isValue() const override { return true; }
