@@ -249,6 +249,11 @@ TEST_F(ConfigurationManagerStartupTest, TreesHandedOutOutliveAResetAndTakeTheOld
   bool destroyed = false;
   manager->registerValidator(new WatchedValidator(destroyed));
   {
+    // A default the application sets from a value of the registry's own does not keep the
+    // registry alive by itself.
+    const Parameter* level = static_cast<const Parameter*>(manager->getParameter("level"));
+    const_cast<Parameter*>(level)->setDefaultValue(Value::create(
+        manager->getSpecification("tool")->findParameterRef("level"), "5"));
     ValueGroup mine(manager->getSpecification("tool"));
     mine.addValue("level", "8");
     manager->setApplicationValues(mine, 0);

@@ -3,6 +3,8 @@
 #include <map>
 
 #include "zelk/configuration/Value.h"
+#include "zelk/configuration/impl/ValueAccess.h"
+#include "zelk/configuration/impl/ValueState.h"
 #include "zelk/util/Contracts.h"
 
 namespace zelk::configuration::impl {
@@ -66,7 +68,9 @@ Value ParameterImpl::getDefaultValue() const {
   return Value::Null;
 }
 
-void ParameterImpl::setDefaultValue(const Value& value) { mDefaultValue.reset(new Value(value)); }
+void ParameterImpl::setDefaultValue(const Value& value) {
+  mDefaultValue.reset(new Value(ValueState::keptByRegistry(ValueAccess::peekState(value))));
+}
 
 bool ParameterImpl::hasDefaultValue() const { return mDefaultValue.get() != 0; }
 

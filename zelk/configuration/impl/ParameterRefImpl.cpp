@@ -46,7 +46,7 @@ Value ParameterRefImpl::getDefaultValue() const {
 }
 
 void ParameterRefImpl::setDefaultValueState(const boost::shared_ptr<ValueState>& state) {
-  mDefaultValue = state;
+  mDefaultValue = ValueState::keptByRegistry(state);
 }
 
 }  // namespace zelk::configuration::impl

@@ -164,6 +164,16 @@ boost::shared_ptr<ValueState> ValueState::createDefault(const Parameter* paramet
   return state;
 }
 
+boost::shared_ptr<ValueState> ValueState::keptByRegistry(
+    const boost::shared_ptr<ValueState>& state) {
+  if (!state || !state->mGeneration) {
+    return state;
+  }
+  boost::shared_ptr<ValueState> copy(new ValueState(*state, 0));
+  copy->holdGeneration(0);
+  return copy;
+}
+
 bool ValueState::isUnbounded() const {
   if (mDefaultParameter != 0) {
     return false;

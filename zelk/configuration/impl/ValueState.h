@@ -56,6 +56,9 @@ public:
   // The default value of parameter holding text, validated by the parameter's type. Made for the
   // registry to keep, it holds no registry generation (see getDefaultValueFor in ValueGroupState).
   static boost::shared_ptr<ValueState> createDefault(const Parameter* parameter, const char* text);
+  // state itself when it holds no registry generation, else a copy that holds none: what a
+  // registry object keeps must not keep its own registry alive.
+  static boost::shared_ptr<ValueState> keptByRegistry(const boost::shared_ptr<ValueState>& state);
 
   bool isValue() const override { return true; }
   bool isValueGroup() const override { return false; }
