@@ -56,6 +56,8 @@ void ValueItemState::reset() {
   // Only the binding changes, so the previous name's storage stays valid.
   const char* before = getName();
   mGroupItem = 0;
+  // The registry generation stays held until the state is bound again or goes: a value's default
+  // parameter still points into it.
   noteRename(before);
   bindingChanged();
   // The parent may still hold the item, but would no longer hear of its renames.
