@@ -8,6 +8,7 @@
 #include "zelk/configuration/ConfigurationException.h"
 #include "zelk/configuration/Group.h"
 #include "zelk/configuration/Validator.h"
+#include "zelk/configuration/ValueGroup.h"
 #include "zelk/configuration/ValueProvider.h"
 #include "zelk/configuration/impl/ConfigurationManagerImpl.h"
 #include "zelk/configuration/impl/ValueProviderImpl.h"
@@ -142,6 +143,14 @@ TEST_F(ConfigurationManagerTest, ClearCachesDestroysEverythingInItsOrder) {
                                       "validator a-validator"}),
             gDestroyed);
   EXPECT_EQ(0u, m->getImpl()->getNumberOfSpecifications());
+
+  // What is taken back is the caller's: values bound to it later hold nothing of the registry
+  // that was cleared meanwhile.
+  Specification* kept = Factory::createSpecification("kept", "", "", "K", false, m);
+  m->unregisterSpecification("kept");
+  m->getImpl()->clearCaches();
+  ValueGroup(kept).addValue("x", "1");
+  Factory::destroy(kept, false, m);
 
   // Factory::destroy with unregister takes an object out first.
   LoggedValidator* v = new LoggedValidator("v");

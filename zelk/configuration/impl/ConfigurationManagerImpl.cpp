@@ -67,6 +67,25 @@ void ConfigurationManagerImpl::destroy(ValueProvider* provider) {
   Factory::destroy(provider, false, 0);
 }
 
+namespace {
+
+// The caller owns the objects of name it takes back from map: values bound to them from now on
+// hold nothing of generation. (A null name is left to the map's own contract check.)
+template <typename Map>
+void unstamp(const Map& map, const char* name, const RegistryGeneration* generation) {
+  if (name == 0) {
+    return;
+  }
+  const auto entries = map.findAll(name);
+  for (typename Map::ConstIterator it = entries.first; it != entries.second; ++it) {
+    if (RegistryGeneration::of(*it->second) == generation) {
+      RegistryGeneration::stamp(*it->second, 0);
+    }
+  }
+}
+
+}  // namespace
+
 ConfigurationManagerImpl::ConfigurationManagerImpl(ConfigurationManager* self)
     : mSelf(self),
       mGeneration(new RegistryGeneration),
@@ -112,11 +131,13 @@ ValueProvider* ConfigurationManagerImpl::getValueProvider(const char* name) cons
 bool ConfigurationManagerImpl::unregisterValueProvider(const char* name) {
   // The providers taken back no longer look specifications up here. (A null name is left to the
   // map's own contract check.)
-  for (ValueProviderMap::ConstIterator it = mValueProviders.begin();
-       name != 0 && it != mValueProviders.end(); ++it) {
-    impl::ValueProviderImpl* provider = it->second->getImpl();
-    if (it->first == name && provider->getManager() == mSelf) {
-      provider->setManager(0);
+  if (name != 0) {
+    const auto entries = mValueProviders.findAll(name);
+    for (ValueProviderMap::ConstIterator it = entries.first; it != entries.second; ++it) {
+      impl::ValueProviderImpl* provider = it->second->getImpl();
+      if (provider->getManager() == mSelf) {
+        provider->setManager(0);
+      }
     }
   }
   return mValueProviders.remove(name);
@@ -164,13 +185,7 @@ GlobalItem* ConfigurationManagerImpl::getGlobalItem(const char* name) const {
 }
 
 bool ConfigurationManagerImpl::unregisterGlobalItem(const char* name) {
-  // The caller owns the items taken back; values bound to them from now on hold nothing here.
-  for (GlobalItemMap::ConstIterator it = mGlobalItems.begin();
-       name != 0 && it != mGlobalItems.end(); ++it) {
-    if (it->first == name && RegistryGeneration::of(*it->second) == mGeneration.get()) {
-      RegistryGeneration::stamp(*it->second, 0);
-    }
-  }
+  unstamp(mGlobalItems, name, mGeneration.get());
   return mGlobalItems.remove(name);
 }
 
@@ -216,13 +231,7 @@ Specification* ConfigurationManagerImpl::getSpecification(const char* name) cons
 }
 
 bool ConfigurationManagerImpl::unregisterSpecification(const char* name) {
-  // As for global items: the caller owns what it takes back.
-  for (SpecificationMap::ConstIterator it = mSpecifications.begin();
-       name != 0 && it != mSpecifications.end(); ++it) {
-    if (it->first == name && RegistryGeneration::of(*it->second) == mGeneration.get()) {
-      RegistryGeneration::stamp(*it->second, 0);
-    }
-  }
+  unstamp(mSpecifications, name, mGeneration.get());
   return mSpecifications.remove(name);
 }
 

@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "zelk/configuration/ConfigurationException.h"
@@ -53,6 +54,12 @@ public:
       throw ConfigurationException("Duplicate %s \"%s\"", kindWord, objectKey);
     }
     return found->second;
+  }
+
+  // Every entry of objectKey, in registration order (contract: objectKey is not null).
+  std::pair<ConstIterator, ConstIterator> findAll(const char* objectKey) const {
+    ZELK_CONTRACT(objectKey != 0);
+    return mMap.equal_range(std::string(objectKey));
   }
 
   // Removes every entry of objectKey without destroying the objects; true when one was removed.
