@@ -6,13 +6,17 @@
 #include <atomic>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <mutex>
+#include <stdexcept>
 #include <thread>
 
 #include "configuration/Models.h"
 #include "zelk/configuration/ConfigurationListener.h"
 #include "zelk/configuration/ValueGroupIterator.h"
 #include "zelk/configuration/ValueIterator.h"
+#include "zelk/configuration/impl/ConfigurationManagerImpl.h"
+#include "zelk/configuration/impl/Factory.h"
 #include "zelk/configuration/impl/ListenerManager.h"
 #include "zelk/configuration/impl/ValueAccess.h"
 #include "zelk/configuration/impl/ValueGroupItemStringGenerator.h"
@@ -284,6 +288,38 @@ TEST_F(ValueConcurrencyTest, TypedReadsFollowAWriterWithoutTornOrStaleValues) {
   EXPECT_EQ(last, number.asInt64());
   EXPECT_EQ(static_cast<double>(last), number.asDouble());
   EXPECT_EQ(static_cast<uint32_t>(last), group.getValue("n").asUInt32());
+}
+
+TEST_F(ValueConcurrencyTest, ReadersKeepTheirTreeWhileTheManagerStartsOverAgainAndAgain) {
+  std::unique_ptr<ConfigurationManager> manager(impl::Factory::createManager());
+  const auto install = [&](const char* port) {
+    zelk::test::ArchiveToolModel model(manager.get());
+    ValueGroup mine(model.archive);
+    mine.addValue("port", port);
+    mine.addValue("paths", "/a");
+    manager->setApplicationValues(mine, 0);
+  };
+  install("7");
+  const ValueGroup first = manager->getValueGroup("archive", false, 0x14);
+  auto reader = [first] {
+    for (int i = 0; i < ITERATIONS; ++i) {
+      // The default comes from the first registry, which only these trees keep alive.
+      if (first.getValue("port").asInt32() != 7 || first.getValue("level").asInt32() != 3 ||
+          first.getUnboundedValue("paths").asString(0) != "/a") {
+        throw std::runtime_error("the first tree changed");
+      }
+    }
+  };
+  auto restarter = [&] {
+    for (int i = 0; i < ITERATIONS / 10; ++i) {
+      manager->getImpl()->clearCaches();
+      install("8");
+      if (manager->getValueGroup("archive", false, 0x14).getValue("port").asInt32() != 8) {
+        throw std::runtime_error("the new start lost its values");
+      }
+    }
+  };
+  EXPECT_EQ("", runTogether({reader, reader, reader, restarter}));
 }
 
 }  // namespace
