@@ -36,7 +36,6 @@
 #include "zelk/configuration/impl/ValueGroupState.h"
 #include "zelk/configuration/impl/ValueGroupValidator.h"
 #include "zelk/configuration/impl/ValueProviderImpl.h"
-#include "zelk/configuration/impl/XmlFileValueProviderImpl.h"
 #include "zelk/host/ExtensionPoint.h"
 #include "zelk/host/HostDirectories.h"
 #include "zelk/host/HostFileSystem.h"

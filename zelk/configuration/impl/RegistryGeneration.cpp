@@ -13,9 +13,8 @@ namespace zelk::configuration::impl {
 namespace {
 
 template <typename T>
-void append(std::vector<T*>& to, std::vector<T*>& from) {
+void append(std::vector<T*>& to, const std::vector<T*>& from) {
   to.insert(to.end(), from.begin(), from.end());
-  from.clear();
 }
 
 template <typename T>
@@ -38,10 +37,10 @@ RegistryGeneration::~RegistryGeneration() {
   destroyAll(mEnumDefinitions);
 }
 
-void RegistryGeneration::retire(std::vector<Specification*> specifications,
-                                std::vector<GlobalItem*> globalItems,
-                                std::vector<Validator*> validators,
-                                std::vector<EnumDefinition*> enumDefinitions) {
+void RegistryGeneration::retire(const std::vector<Specification*>& specifications,
+                                const std::vector<GlobalItem*>& globalItems,
+                                const std::vector<Validator*>& validators,
+                                const std::vector<EnumDefinition*>& enumDefinitions) {
   append(mSpecifications, specifications);
   append(mGlobalItems, globalItems);
   append(mValidators, validators);
@@ -80,7 +79,7 @@ RegistryGeneration* RegistryGeneration::of(const GroupItem* item) {
 }
 
 RegistryGeneration* RegistryGeneration::of(const Parameter* parameter) {
-  return parameter != 0 ? of(*static_cast<const GlobalItem*>(parameter)) : 0;
+  return parameter != 0 ? of(static_cast<const GlobalItem&>(*parameter)) : 0;
 }
 
 }  // namespace zelk::configuration::impl

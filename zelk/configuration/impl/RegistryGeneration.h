@@ -38,8 +38,10 @@ public:
   ~RegistryGeneration() override;
 
   // Takes ownership of the objects a manager let go of.
-  void retire(std::vector<Specification*> specifications, std::vector<GlobalItem*> globalItems,
-              std::vector<Validator*> validators, std::vector<EnumDefinition*> enumDefinitions);
+  void retire(const std::vector<Specification*>& specifications,
+              const std::vector<GlobalItem*>& globalItems,
+              const std::vector<Validator*>& validators,
+              const std::vector<EnumDefinition*>& enumDefinitions);
 
   // Marks what belongs to generation (null: to none), so that values bound to it can hold it.
   static void stamp(const Specification& specification, RegistryGeneration* generation);

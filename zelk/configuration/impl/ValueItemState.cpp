@@ -53,11 +53,11 @@ bool ValueItemState::matches(const GroupItem& groupItem) const {
 
 // Dropping the binding renames the item back to its stored name.
 void ValueItemState::reset() {
-  // Only the binding changes, so the previous name's storage stays valid.
+  // Only the binding changes, so the previous name's storage stays valid. The registry
+  // generation stays held until the state is bound again or goes: a value's default parameter
+  // still points into it.
   const char* before = getName();
   mGroupItem = 0;
-  // The registry generation stays held until the state is bound again or goes: a value's default
-  // parameter still points into it.
   noteRename(before);
   bindingChanged();
   // The parent may still hold the item, but would no longer hear of its renames.
