@@ -1,6 +1,5 @@
 #include "SchemaWriter.h"
 
-#include <cctype>
 #include <ostream>
 #include <set>
 #include <string>
@@ -12,6 +11,8 @@
 #include "zelk/configuration/ParameterRef.h"
 #include "zelk/configuration/Specification.h"
 #include "zelk/configuration/impl/ValueFileWriterImpl.h"
+#include "zelk/util/CaseInsensitiveHash.h"
+#include "zelk/util/CaseInsensitiveLess.h"
 
 namespace zelk::configtool {
 
@@ -55,11 +56,8 @@ std::string quoted(const char* text, const char* what) {
   return impl::ValueFileWriterImpl::escapeAttribute(text != nullptr ? text : "", what);
 }
 
-std::string lower(const char* text) {
-  std::string result(text != nullptr ? text : "");
-  for (char& c : result) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return result;
-}
+// Names already written in one element, which the library tells apart regardless of case.
+using NameSet = std::set<std::string, CaseInsensitiveLess>;
 
 bool isEmpty(const char* text) { return text == nullptr || *text == '\0'; }
 
@@ -74,7 +72,7 @@ public:
             "specification. -->\n"
          << "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\">\n";
     writeElement(*specification.getItemsContainer(), 1, specification.getDescription());
-    if (lower(id) != SEVERAL_TOOLS_ROOT) {
+    if (!caseInsensitiveEqual(id, SEVERAL_TOOLS_ROOT)) {
       mOut << "  <xs:element name=\"" << SEVERAL_TOOLS_ROOT << "\">\n"
            << "    <xs:annotation><xs:documentation>The values of several tools, each in an "
               "element named after its tool.</xs:documentation></xs:annotation>\n"
@@ -154,7 +152,7 @@ private:
     mOut << indent(depth) << "<xs:element name=\"" << quoted(id, id) << "\">\n";
     documentation(description, depth + 1);
     mOut << indent(depth + 1) << "<xs:complexType>\n";
-    std::set<std::string> names;
+    NameSet names;
     bool children = false;
     const auto openChoice = [&] {
       if (!children) {
@@ -166,7 +164,7 @@ private:
         container,
         [&](const ParameterRef& reference) {
           if (!reference.isUnbounded() || reference.getParameter() == nullptr ||
-              !names.insert(lower(reference.getId())).second) {
+              !names.insert(reference.getId()).second) {
             return;
           }
           openChoice();
@@ -179,17 +177,17 @@ private:
                << indent(depth + 3) << "</xs:element>\n";
         },
         [&](const Container& nested) {
-          if (!names.insert(lower(nested.getId())).second) return;
+          if (!names.insert(nested.getId()).second) return;
           openChoice();
           writeElement(nested, depth + 3, nested.getDescription());
         });
     if (children) mOut << indent(depth + 2) << "</xs:choice>\n";
-    std::set<std::string> attributes;
+    NameSet attributes;
     forEachPlacedItem(
         container,
         [&](const ParameterRef& reference) {
           if (reference.getParameter() == nullptr ||
-              !attributes.insert(lower(reference.getId())).second) {
+              !attributes.insert(reference.getId()).second) {
             return;
           }
           writeAttribute(reference.getId(), *reference.getParameter(), descriptionOf(reference),
