@@ -11,6 +11,8 @@
 #include "zelk/configuration/EnumDefinition.h"
 #include "zelk/configuration/Parameter.h"
 #include "zelk/configuration/Specification.h"
+#include "zelk/util/CaseInsensitiveLess.h"
+#include "zelk/util/StringFunctions.h"
 
 namespace zelk::configtool {
 
@@ -20,14 +22,16 @@ namespace {
 
 const char* const LOAD_CONFIGURATION_FLAG = "-loadConfiguration";
 
+// The script's completions of a file name and of a directory name.
+const char* const COMPLETE_FILES =
+    "compopt -o filenames 2>/dev/null; COMPREPLY=($(compgen -f -- \"$cur\"))";
+const char* const COMPLETE_DIRECTORIES =
+    "compopt -o filenames 2>/dev/null; COMPREPLY=($(compgen -d -- \"$cur\"))";
+
 std::string lower(const std::string& text) {
   std::string result(text);
   for (char& c : result) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   return result;
-}
-
-bool endsWith(const std::string& text, const std::string& end) {
-  return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
 // text as one single-quoted shell word.
@@ -52,81 +56,53 @@ std::string functionName(const std::string& tool) {
   return name;
 }
 
-// What the word after a flag completes to: one "case" branch of the script.
-enum class After { NOTHING, LABELS, FILES, DIRECTORIES };
-
-After afterFlag(const Parameter& parameter) {
+// What the word after a flag of parameter completes to: one "case" branch of the script, empty
+// when the value is the user's to type.
+std::string branchAfter(const Parameter& parameter) {
   if (parameter.getValueType() == Parameter::ENUM && parameter.getEnumDefinition() != nullptr) {
-    return After::LABELS;
+    std::string labels;
+    const EnumDefinition& definition = *parameter.getEnumDefinition();
+    for (std::size_t i = 0; i < definition.getNumberOfValues(); ++i) {
+      labels += (i > 0 ? " " : "") + std::string(definition.getSymbolicNameInDefinitionOrder(i));
+    }
+    return "COMPREPLY=($(compgen -W " + shellWord(labels) + " -- \"$cur\"))";
   }
   if (parameter.getValueType() == Parameter::STRING) {
     const std::string valueName = lower(parameter.getValueName());
-    if (endsWith(valueName, "file") || valueName == "path" || valueName == "filename") {
-      return After::FILES;
+    if (hasEnding(valueName, "file") || valueName == "path" || valueName == "filename") {
+      return COMPLETE_FILES;
     }
-    if (endsWith(valueName, "directory") || endsWith(valueName, "dir")) {
-      return After::DIRECTORIES;
+    if (hasEnding(valueName, "directory") || hasEnding(valueName, "dir")) {
+      return COMPLETE_DIRECTORIES;
     }
   }
-  return After::NOTHING;
+  return "";
 }
 
 }  // namespace
 
 void writeBashCompletion(std::ostream& out, const Specification& specification) {
-  // The flags that take a value, in lower case, each with what its value completes to.
+  // The flags offered, as declared, in specification order; and the flags that take a value, in
+  // lower case, each with what its value completes to.
+  std::vector<std::string> listed;
+  std::set<std::string, CaseInsensitiveLess> listedSeen;
   std::map<std::string, std::string> cases;
-  const auto addCase = [&](const std::string& flag, const std::string& branch) {
-    cases.emplace(lower(flag), branch);
-  };
   forEachPlacedItem(
       *specification.getItemsContainer(),
       [&](const ParameterRef& reference) {
         const Parameter* parameter = reference.getParameter();
         if (parameter == nullptr) return;
         const std::string flag = std::string("-") + parameter->getName();
-        std::string branch;
-        switch (afterFlag(*parameter)) {
-          case After::LABELS: {
-            std::string labels;
-            const EnumDefinition& definition = *parameter->getEnumDefinition();
-            for (std::size_t i = 0; i < definition.getNumberOfValues(); ++i) {
-              labels +=
-                  (i > 0 ? " " : "") + std::string(definition.getSymbolicNameInDefinitionOrder(i));
-            }
-            branch = "COMPREPLY=($(compgen -W " + shellWord(labels) + " -- \"$cur\"))";
-            break;
-          }
-          case After::FILES:
-            branch = "compopt -o filenames 2>/dev/null; COMPREPLY=($(compgen -f -- \"$cur\"))";
-            break;
-          case After::DIRECTORIES:
-            branch = "compopt -o filenames 2>/dev/null; COMPREPLY=($(compgen -d -- \"$cur\"))";
-            break;
-          case After::NOTHING:
-            // A boolean switch takes no value; any other value is the user's to type.
-            if (parameter->getValueType() == Parameter::BOOL) return;
-            break;
+        if (!reference.isHidden() && listedSeen.insert(flag).second) listed.push_back(flag);
+        // A boolean switch takes no value.
+        if (parameter->getValueType() != Parameter::BOOL) {
+          cases.emplace(lower(flag), branchAfter(*parameter));
         }
-        addCase(flag, branch);
       },
       // The values of a container's parameters come from value files only.
       [](const Container&) {});
-  addCase(LOAD_CONFIGURATION_FLAG,
-          "compopt -o filenames 2>/dev/null; COMPREPLY=($(compgen -f -- \"$cur\"))");
-  // The flags offered, as declared, in specification order.
-  std::vector<std::string> listed;
-  std::set<std::string> listedSeen;
-  forEachPlacedItem(
-      *specification.getItemsContainer(),
-      [&](const ParameterRef& reference) {
-        const Parameter* parameter = reference.getParameter();
-        if (parameter == nullptr || reference.isHidden()) return;
-        const std::string flag = std::string("-") + parameter->getName();
-        if (listedSeen.insert(lower(flag)).second) listed.push_back(flag);
-      },
-      [](const Container&) {});
   listed.push_back(LOAD_CONFIGURATION_FLAG);
+  cases.emplace(lower(LOAD_CONFIGURATION_FLAG), COMPLETE_FILES);
 
   const std::string tool = specification.getName();
   const std::string function = functionName(tool);
