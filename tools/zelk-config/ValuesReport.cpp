@@ -214,6 +214,19 @@ struct GroupIndex {
 const std::size_t FROM_DEFAULT = static_cast<std::size_t>(-1);
 const std::size_t FROM_UNKNOWN = static_cast<std::size_t>(-2);
 
+// The name of each source in sources: from names (one of SourceTracker's lists), or the
+// default's, or unknown.
+std::vector<std::string> namesOf(const std::vector<std::size_t>& sources,
+                                 const std::vector<std::string>& names, const char* unknown) {
+  std::vector<std::string> result;
+  for (std::size_t source : sources) {
+    result.push_back(source == FROM_DEFAULT   ? DEFAULT_SOURCE
+                     : source == FROM_UNKNOWN ? unknown
+                                              : names[source]);
+  }
+  return result;
+}
+
 // What the walk over the values reports, in specification order.
 class ValuesSink {
 public:
@@ -319,12 +332,7 @@ public:
 
   void value(const ParameterRef& reference, const std::vector<std::string>& texts,
              const std::vector<std::size_t>& sources, const Container* strayFrom) override {
-    std::vector<std::string> labels;
-    for (std::size_t source : sources) {
-      labels.push_back(source == FROM_DEFAULT   ? DEFAULT_SOURCE
-                       : source == FROM_UNKNOWN ? "?"
-                                                : mSources.mLabels[source]);
-    }
+    const std::vector<std::string> labels = namesOf(sources, mSources.mLabels, "?");
     const Parameter* parameter = reference.getParameter();
     mOut << std::string(2 * mDepth, ' ') << reference.getId() << " ("
          << (parameter != nullptr ? parameter->getValueTypeName() : "unknown")
@@ -381,12 +389,7 @@ public:
 
   void value(const ParameterRef& reference, const std::vector<std::string>& texts,
              const std::vector<std::size_t>& sources, const Container* strayFrom) override {
-    std::vector<std::string> names;
-    for (std::size_t source : sources) {
-      names.push_back(source == FROM_DEFAULT   ? DEFAULT_SOURCE
-                      : source == FROM_UNKNOWN ? "unknown"
-                                               : mSources.mJsonNames[source]);
-    }
+    const std::vector<std::string> names = namesOf(sources, mSources.mJsonNames, "unknown");
     mJson.beginObject();
     mJson.key("name");
     mJson.value(reference.getId());
