@@ -67,13 +67,14 @@ void readOptions(const ValueGroup& values, Options& options) {
   static const struct {
     const char* name;
     Options::Command command;
-  } COMMANDS[] = {{"help", Options::HELP},   {"check", Options::CHECK}, {"list", Options::LIST},
-                  {"usage", Options::USAGE}, {"show", Options::SHOW},   {"values", Options::VALUES},
-                  {"schema", Options::SCHEMA}, {"completion", Options::COMPLETION}};
+    bool takesWord;  // given with a word (-schema registry), not as a switch (-check)
+  } COMMANDS[] = {{"help", Options::HELP, false},         {"check", Options::CHECK, false},
+                  {"list", Options::LIST, false},         {"usage", Options::USAGE, false},
+                  {"show", Options::SHOW, false},         {"values", Options::VALUES, false},
+                  {"schema", Options::SCHEMA, true},      {"completion", Options::COMPLETION, true}};
   for (const auto& command : COMMANDS) {
-    if (command.command == Options::SCHEMA || command.command == Options::COMPLETION
-            ? textGiven(values, command.name).has_value()
-            : flagGiven(values, command.name)) {
+    if (command.takesWord ? textGiven(values, command.name).has_value()
+                          : flagGiven(values, command.name)) {
       options.command = command.command;
       break;
     }

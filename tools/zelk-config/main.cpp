@@ -158,15 +158,21 @@ int runOnSpecification(const Options& options, const Directories& directories,
 
 // What the library's parse of the command line leaves to check: the options that go together.
 std::optional<int> checkCombination(const Options& options) {
+  // The command as the user wrote it, when it works on the specification named with
+  // -specification; else null.
+  const char* onSpecification = nullptr;
+  if (options.command == Options::SHOW) {
+    onSpecification = "-show";
+  } else if (options.command == Options::VALUES) {
+    onSpecification = "-values";
+  } else if (options.command == Options::COMPLETION) {
+    onSpecification = "-completion";
+  } else if (options.command == Options::SCHEMA && options.schemaKind == "values") {
+    onSpecification = "-schema values";
+  }
   std::string problem;
-  if (options.specification.empty() &&
-      (options.command == Options::SHOW || options.command == Options::VALUES ||
-       options.command == Options::COMPLETION ||
-       (options.command == Options::SCHEMA && options.schemaKind == "values"))) {
-    problem = options.command == Options::SHOW         ? "-show needs -specification"
-              : options.command == Options::VALUES     ? "-values needs -specification"
-              : options.command == Options::COMPLETION ? "-completion needs -specification"
-                                                       : "-schema values needs -specification";
+  if (options.specification.empty() && onSpecification != nullptr) {
+    problem = std::string(onSpecification) + " needs -specification";
   } else if (options.command == Options::SCHEMA && options.schemaKind != "registry" &&
              options.schemaKind != "values") {
     problem = "-schema takes registry or values, not \"" + options.schemaKind + "\"";
