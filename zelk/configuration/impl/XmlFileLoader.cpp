@@ -52,16 +52,16 @@ bool XmlFileLoader::loadElement(XmlValueDocument& out) {
   if (!mReader.skipComments() || !mReader.acceptToken("<")) {
     return fail("<");
   }
-  // The buffers are shared by every level: the element's name is kept in the document and its
-  // closing tag before any attribute or child is read.
+  // The buffers are shared by every level: the element's name is kept in the document before
+  // any attribute or child is read.
   if (!readName(mName.data(), "an element name")) {
     return false;
   }
   if (!mReader.enterElement()) {
     return fail(0);
   }
+  const size_t element = out.getElementCount();
   out.startElement(mName.data());
-  const std::string closingTag = std::string("</") + mName.data() + ">";
   while (!mReader.atToken("/>") && !mReader.atToken(">")) {
     if (!readName(mName.data(), "an attribute name, \">\" or \"/>\"")) {
       return false;
@@ -76,6 +76,8 @@ bool XmlFileLoader::loadElement(XmlValueDocument& out) {
   }
   if (!mReader.acceptToken("/>")) {
     mReader.acceptToken(">");
+    // Only an element with content has a closing tag to look for.
+    const std::string closingTag = std::string("</") + out.getName(element) + ">";
     for (;;) {
       if (!mReader.skipComments()) {
         return fail(0);
