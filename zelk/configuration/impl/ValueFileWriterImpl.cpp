@@ -67,8 +67,7 @@ bool isXmlChar(unsigned int cp) {
 struct BoundItems {
   std::map<const ParameterRef*, std::vector<const ValueBase*>> values;
   std::map<const Container*, std::vector<const ValueGroup*>> groups;
-  std::vector<boost::shared_ptr<ValueGroupItem>> held;  // keeps the items alive while writing
-  std::vector<const ValueGroupItem*> all;
+  std::vector<boost::shared_ptr<ValueGroupItem>> held;  // every item, kept alive while writing
 };
 
 class Composer {
@@ -85,18 +84,19 @@ public:
               ? "no container"
               : ("\"" + std::string(values.getContainer()->getId()) + "\"").c_str());
     }
-    mOut = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
-    writeGroup(values, *root, 0);
-    return mOut;
+    std::string out = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+    writeGroup(values, *root, 0, out);
+    return out;
   }
 
 private:
-  void writeGroup(const ValueGroup& group, const Container& container, std::size_t depth) {
+  // Appends group, the values of container, to out.
+  void writeGroup(const ValueGroup& group, const Container& container, std::size_t depth,
+                  std::string& out) {
     BoundItems items;
     for (std::size_t i = 0; i < group.getItemCount(); ++i) {
       items.held.push_back(group.getItem(i));
       const ValueGroupItem* item = items.held.back().get();
-      items.all.push_back(item);
       if (item->isValueGroup()) {
         const auto* child = static_cast<const ValueGroup*>(item);
         items.groups[child->getContainer()].push_back(child);
@@ -108,8 +108,8 @@ private:
     std::string elements;
     std::set<const ValueGroupItem*> written;
     collect(container, container, items, depth, attributes, elements, written);
-    for (const ValueGroupItem* item : items.all) {
-      if (written.count(item) == 0) {
+    for (const boost::shared_ptr<ValueGroupItem>& item : items.held) {
+      if (written.count(item.get()) == 0) {
         throw ConfigurationException(
             "The value tree does not fit the \"%s\" specification: \"%s\" is not an item of "
             "\"%s\"",
@@ -117,11 +117,11 @@ private:
       }
     }
     const std::string indent = indentOf(depth);
-    mOut += indent + "<" + checkedName(container.getId()) + attributes;
+    out += indent + "<" + checkedName(container.getId()) + attributes;
     if (elements.empty()) {
-      mOut += "/>\n";
+      out += "/>\n";
     } else {
-      mOut += ">\n" + elements + indent + "</" + container.getId() + ">\n";
+      out += ">\n" + elements + indent + "</" + container.getId() + ">\n";
     }
   }
 
@@ -145,11 +145,7 @@ private:
         const auto found = items.groups.find(nested);
         if (found == items.groups.end()) continue;
         for (const ValueGroup* child : found->second) {
-          std::string saved;
-          saved.swap(mOut);
-          writeGroup(*child, *nested, depth + 1);
-          elements += mOut;
-          mOut.swap(saved);
+          writeGroup(*child, *nested, depth + 1, elements);
           written.insert(child);
         }
       } else {
@@ -187,7 +183,6 @@ private:
   }
 
   const Specification& mSpecification;
-  std::string mOut;
 };
 
 }  // namespace
