@@ -84,11 +84,6 @@ private:
   bool mFull = false;
 };
 
-bool isXmlChar(unsigned int cp) {
-  return cp == 0x9 || cp == 0xA || cp == 0xD || (cp >= 0x20 && cp <= 0xD7FF) ||
-         (cp >= 0xE000 && cp <= 0xFFFD) || (cp >= 0x10000 && cp <= 0x10FFFF);
-}
-
 std::string hexByte(unsigned char u) {
   char text[8];
   std::snprintf(text, sizeof text, "0x%02X", u);
@@ -96,6 +91,11 @@ std::string hexByte(unsigned char u) {
 }
 
 }  // namespace
+
+bool XmlTokenReader::isXmlChar(unsigned int cp) {
+  return cp == 0x9 || cp == 0xA || cp == 0xD || (cp >= 0x20 && cp <= 0xD7FF) ||
+         (cp >= 0xE000 && cp <= 0xFFFD) || (cp >= 0x10000 && cp <= 0x10FFFF);
+}
 
 XmlTokenReader::XmlTokenReader() = default;
 

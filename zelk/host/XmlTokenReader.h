@@ -55,6 +55,10 @@ public:
   static constexpr std::size_t DEFAULT_MAX_FILE_SIZE = std::size_t(64) << 20;
   static constexpr std::size_t DEFAULT_MAX_TEXT_LENGTH = std::size_t(64) << 10;
 
+  // Whether XML 1.0 allows the character cp: tab, the line ends and U+0020 to U+10FFFF, except
+  // surrogates, U+FFFE and U+FFFF.
+  static bool isXmlChar(unsigned int cp);
+
   XmlTokenReader();
   XmlTokenReader(const XmlTokenReader&) = delete;
   XmlTokenReader& operator=(const XmlTokenReader&) = delete;

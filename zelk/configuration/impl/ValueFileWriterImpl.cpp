@@ -14,6 +14,7 @@
 #include "zelk/configuration/ValueGroup.h"
 #include "zelk/configuration/ValueIterator.h"
 #include "zelk/configuration/impl/XmlFileLoader.h"
+#include "zelk/host/XmlTokenReader.h"
 #include "zelk/util/UtfUtil.h"
 
 namespace zelk::configuration::impl {
@@ -56,11 +57,6 @@ std::size_t decodeUtf8(const std::string& text, std::size_t i, unsigned int& cp)
   const unsigned int minimum = length == 1 ? 0 : length == 2 ? 0x80 : length == 3 ? 0x800 : 0x10000;
   if (cp < minimum || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) return 0;
   return static_cast<std::size_t>(length);
-}
-
-bool isXmlChar(unsigned int cp) {
-  return cp == 0x9 || cp == 0xA || cp == 0xD || (cp >= 0x20 && cp <= 0xD7FF) ||
-         (cp >= 0xE000 && cp <= 0xFFFD) || (cp >= 0x10000 && cp <= 0x10FFFF);
 }
 
 // The items of one group sorted by the specification item they are bound to, read in one pass.
@@ -208,7 +204,7 @@ std::string ValueFileWriterImpl::escapeAttribute(const std::string& text, const 
           "The text of \"%s\" is not UTF-8 (byte 0x%02X at offset %zu)", what,
           static_cast<unsigned int>(static_cast<unsigned char>(text[i])), i);
     }
-    if (!isXmlChar(cp)) {
+    if (!zelk::host::XmlTokenReader::isXmlChar(cp)) {
       throw ConfigurationException(
           "The text of \"%s\" holds the character U+%04X at offset %zu, which XML 1.0 cannot "
           "carry",
