@@ -125,7 +125,7 @@ bool XmlTokenReader::openFile(const char* path) {
     return false;
   }
   mName = path;
-  const auto refuse = [this](const char* what) {
+  const auto refuse = [this](const std::string& what) {
     mErrorText = "File \"" + mName + "\" " + what;
     mFailed = true;
     return false;
@@ -149,9 +149,8 @@ bool XmlTokenReader::openFile(const char* path) {
   if (S_ISREG(info.st_mode) && static_cast<unsigned long long>(info.st_size) > limit) {
     ::close(fd);
     mRefusedSize = static_cast<unsigned long long>(info.st_size);
-    return refuse(("is " + std::to_string(mRefusedSize) + " bytes long, more than the limit of " +
-                   std::to_string(limit) + " bytes")
-                      .c_str());
+    return refuse("is " + std::to_string(mRefusedSize) + " bytes long, more than the limit of " +
+                  std::to_string(limit) + " bytes");
   }
   // Read in one go when the size is known, growing for files whose size the system does not
   // report (pipes, /proc); never more than one byte past the limit, which tells a file that grew.
@@ -194,9 +193,8 @@ bool XmlTokenReader::openFile(const char* path) {
   if (size > limit) {
     delete[] data;
     mRefusedSize = size;
-    return refuse(("is more than the limit of " + std::to_string(limit) + " bytes long" +
-                   (S_ISREG(info.st_mode) ? " (it grew while it was read)" : ""))
-                      .c_str());
+    return refuse("is more than the limit of " + std::to_string(limit) + " bytes long" +
+                  (S_ISREG(info.st_mode) ? " (it grew while it was read)" : ""));
   }
   data[size] = '\0';
   mData = data;
@@ -517,15 +515,16 @@ bool XmlTokenReader::readQuoted(char* buffer, std::size_t size) {
   const char quote = mData[mPos];
   BoundedOutput out(buffer, size);
   std::size_t i = mPos + 1;
-  // Decoded bytes so far; checked once per character, so a long value stops at the limit.
+  // Decoded bytes so far; checked once per character and at the closing quote, so a long value
+  // stops at the limit.
   std::size_t length = 0;
   for (;;) {
+    if (!checkTextLength(start, length, "A value")) {
+      return false;
+    }
     const char c = mData[i];
     if (c == quote) {
       break;
-    }
-    if (!checkTextLength(start, length, "A value")) {
-      return false;
     }
     if (i >= mSize) {
       fail(start, "Unterminated quoted value starting");
@@ -607,9 +606,6 @@ bool XmlTokenReader::readQuoted(char* buffer, std::size_t size) {
     out.append(mData + i, n);
     length += n;
     i += n;
-  }
-  if (!checkTextLength(start, length, "A value")) {
-    return false;
   }
   mPos = i + 1;
   return true;
