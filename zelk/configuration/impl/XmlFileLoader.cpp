@@ -19,14 +19,6 @@ const size_t MAX_TEXT_LENGTH = XmlFileLoader::BUFFER_SIZE - 1;
 XmlFileLoader::XmlFileLoader(zelk::host::XmlTokenReader& reader)
     : mReader(reader), mName(PROBE_SIZE), mText(PROBE_SIZE) {}
 
-ValueGroup XmlFileLoader::loadElement() {
-  XmlValueDocument document;
-  if (!loadElement(document)) {
-    return ValueGroup::Null;
-  }
-  return XmlValueTreeBuilder::build(document, 0);
-}
-
 ValueGroup XmlFileLoader::loadDocument() {
   XmlValueDocument document;
   if (!loadDocument(document)) {

@@ -1,4 +1,4 @@
-// XmlFileLoader: reads one element of an XML value file, with its attributes and child elements,
+// XmlFileLoader: reads the root element of an XML value file, with its attributes and children,
 // into a document (XmlValueDocument) or a value group: the element's name (prefix included) names
 // the group, each attribute becomes a value, each child element a child group, in document order.
 // Comments are skipped.
@@ -6,7 +6,7 @@
 //   zelk::host::XmlTokenReader reader;
 //   if (reader.openFile(path)) {
 //     XmlFileLoader loader(reader);
-//     ValueGroup root = loader.loadElement();
+//     ValueGroup root = loader.loadDocument();
 //     if (root.isNull()) report(loader.getMessage());
 //   }
 #pragma once
@@ -32,9 +32,8 @@ public:
 
   explicit XmlFileLoader(zelk::host::XmlTokenReader& reader);
 
-  // The next element as a group, or ValueGroup::Null after an error (see getMessage()).
-  ValueGroup loadElement();
-  // The whole document: its one root element with nothing but comments after it.
+  // The whole document as a group: its one root element with nothing but comments after it, or
+  // ValueGroup::Null after an error (see getMessage()).
   ValueGroup loadDocument();
   // The whole document into out, which is left as it was after an error (false).
   bool loadDocument(XmlValueDocument& out);
