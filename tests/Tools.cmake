@@ -12,6 +12,13 @@ if(NOT ZELK_BUILD_TOOLS)
   return()
 endif()
 
+# The command table against the tool's registry file and the README; it links the tool's pieces.
+add_executable(tools_zelk-config_CommandTableChecks
+  ${CMAKE_CURRENT_SOURCE_DIR}/tools/zelk-config/CommandTableChecks.cpp)
+target_link_libraries(tools_zelk-config_CommandTableChecks PRIVATE zelk_config_tool zelk_test_support)
+gtest_discover_tests(tools_zelk-config_CommandTableChecks DISCOVERY_MODE PRE_TEST
+  DISCOVERY_TIMEOUT 60 PROPERTIES LABELS unit)
+
 set(ZELK_TOOL_DATA ${CMAKE_CURRENT_SOURCE_DIR}/tools/zelk-config/data)
 set(ZELK_TOOL_EXPECTED ${CMAKE_CURRENT_SOURCE_DIR}/tools/zelk-config/expected)
 set(ZELK_EXAMPLE_INSTALLATION ${PROJECT_SOURCE_DIR}/examples/installation)
@@ -117,6 +124,10 @@ zelk_output_test(zelk-config.values-json 0
   MATCH "\"name\": \"batchSize\",\n *\"type\": \"uint32\",\n *\"unbounded\": false,\n *\"texts\": .\"1000\".,\n *\"sources\": .\"@SOURCE_DIR@/examples/installation/config/machine.config\".")
 zelk_output_test(zelk-config.json-without-list-or-values 2 COMMAND ${zc} -check -json
   MATCH "^zelk-config: -json goes with -list or -values\n$")
+zelk_output_test(zelk-config.format-json 0 COMMAND ${zc} -list -format json ${example}
+  MATCH "^.\n  {\n    \"id\": \"zbackup\",")
+zelk_output_test(zelk-config.format-not-taken 2 COMMAND ${zc} -show -spec zbackup -format json
+  MATCH "^zelk-config: -format json goes with -list or -values\n$")
 
 # Schemas, checked with xmllint; bash completion, asked as bash asks it; export, read back.
 add_test(NAME zelk-config.schema

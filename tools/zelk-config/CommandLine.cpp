@@ -5,6 +5,7 @@
 #include <iostream>
 #include <stdexcept>
 
+#include "Command.h"
 #include "Output.h"
 #include "zelk/configuration/ConfigurationException.h"
 #include "zelk/configuration/ConfigurationManager.h"
@@ -62,22 +63,26 @@ std::vector<std::string> textsGiven(const ValueGroup& values, const char* name) 
   return texts;
 }
 
+bool commandGiven(const ValueGroup& values, const Command& command) {
+  return command.takesWord() ? textGiven(values, command.name).has_value()
+                             : flagGiven(values, command.name);
+}
+
 void readOptions(const ValueGroup& values, Options& options) {
-  // A help request skips the library's validation, so more than one command may be set: help wins.
-  static const struct {
-    const char* name;
-    Options::Command command;
-    bool takesWord;  // given with a word (-schema registry), not as a switch (-check)
-  } COMMANDS[] = {{"help", Options::HELP, false},         {"check", Options::CHECK, false},
-                  {"list", Options::LIST, false},         {"usage", Options::USAGE, false},
-                  {"show", Options::SHOW, false},         {"values", Options::VALUES, false},
-                  {"schema", Options::SCHEMA, true},      {"completion", Options::COMPLETION, true}};
-  for (const auto& command : COMMANDS) {
-    if (command.takesWord ? textGiven(values, command.name).has_value()
-                          : flagGiven(values, command.name)) {
-      options.command = command.command;
-      break;
+  // A help request skips the library's validation, so more than one command may be set: help
+  // wins. Otherwise the library lets exactly one through.
+  const Command* help = findCommand("help");
+  options.command = help;
+  if (!commandGiven(values, *help)) {
+    for (const Command& command : commandTable()) {
+      if (commandGiven(values, command)) {
+        options.command = &command;
+        break;
+      }
     }
+  }
+  if (options.command->takesWord()) {
+    options.word = textGiven(values, options.command->name).value_or("");
   }
   options.specification = textGiven(values, "specification").value_or("");
   options.installation = textGiven(values, "installation");
@@ -88,9 +93,13 @@ void readOptions(const ValueGroup& values, Options& options) {
   options.registryFiles = textsGiven(values, "registry");
   options.valueFiles = textsGiven(values, "valueFile");
   options.noMachineConfig = flagGiven(values, "noMachineConfig");
-  options.schemaKind = textGiven(values, "schema").value_or("");
-  options.shell = textGiven(values, "completion").value_or("");
-  options.json = flagGiven(values, "json");
+  if (const std::optional<std::string> format = textGiven(values, "format")) {
+    options.format = *format;
+    options.formatFlag = "-format " + *format;
+  } else if (flagGiven(values, "json")) {
+    options.format = "json";
+    options.formatFlag = "-json";
+  }
   options.exportFile = textGiven(values, "export");
   const Value width = values.getValue("width", nullptr, false);
   if (!width.isNull() && width.hasValue()) options.width = width.asUInt32();
@@ -146,9 +155,10 @@ std::optional<int> parseCommandLine(int argc, const char* const* argv,
                    std::to_string(MAX_WIDTH));
         printOwnHelpHint();
         status = EXIT_BAD_COMMAND_LINE;
-      } else if ((options.command == Options::HELP || options.command == Options::USAGE) &&
+      } else if (options.command->specification == SpecificationUse::OPTIONAL &&
                  options.specification.empty()) {
-        if (options.command == Options::HELP) {
+        // -help and -usage without a specification: zelk-config's own.
+        if (options.command == findCommand("help")) {
           printHelp(std::cout, *manager, *self, options.width != 0 ? options.width : terminalWidth());
         } else {
           printUsage(std::cout, *manager, *self);

@@ -10,13 +10,12 @@
 
 namespace zelk::configtool {
 
-struct Options {
-  enum Command { CHECK, LIST, USAGE, HELP, SHOW, VALUES, SCHEMA, COMPLETION };
+struct Command;
 
-  Command command = HELP;
-  std::string specification;  // empty when not given
-  std::string schemaKind;     // -schema: "registry" or "values"
-  std::string shell;          // -completion: "bash"
+struct Options {
+  const Command* command = nullptr;  // a row of the command table; null only before parsing
+  std::string word;                  // the word the command was given with (-schema values)
+  std::string specification;         // empty when not given
   std::optional<std::string> installation;
   std::optional<std::string> etcDir;
   std::optional<std::string> pluginsDir;
@@ -25,7 +24,8 @@ struct Options {
   std::vector<std::string> registryFiles;
   std::vector<std::string> valueFiles;
   bool noMachineConfig = false;
-  bool json = false;                      // -list and -values print JSON
+  std::string format;                     // -format, or "json" for -json; empty when not given
+  std::string formatFlag;                 // how the format was given: "-format json" or "-json"
   std::optional<std::string> exportFile;  // -values also writes the values as a value file
   std::size_t width = 0;                  // 0: the terminal's width
   std::size_t maxFileSize = 0;            // 0: the library's default

@@ -8,6 +8,9 @@
 #include <set>
 
 #include "CommandLine.h"
+#include "Output.h"
+#include "zelk/configuration/ConfigurationManager.h"
+#include "zelk/configuration/Specification.h"
 #include "zelk/host/HostDirectories.h"
 #include "zelk/host/HostFileSystem.h"
 #include "zelk/util/FileSystemVisitor.h"
@@ -142,6 +145,45 @@ std::vector<std::string> findRegistryFiles(const Directories& directories, bool&
     }
   }
   return files;
+}
+
+std::string describeDirectories(const Directories& directories) {
+  const auto shown = [](const std::string& path) {
+    return path.empty() ? std::string("(none)") : "\"" + path + "\"";
+  };
+  return "etc directory " + shown(directories.etc) + ", plug-ins directory " +
+         shown(directories.plugins);
+}
+
+configuration::ConfigurationManager* loadInstallation(const Directories& directories,
+                                                      std::size_t maxFileSize) {
+  using configuration::ConfigurationManager;
+  try {
+    if (maxFileSize == 0) return ConfigurationManager::getInstance();
+    ConfigurationManager* manager = nullptr;
+    try {
+      manager = ConfigurationManager::getInstance();
+    } catch (const std::exception&) {
+      manager = ConfigurationManager::getInstance();  // loaded again just below
+    }
+    manager->setMaxFileSize(maxFileSize);
+    manager->reset();
+    return manager;
+  } catch (const std::exception& e) {
+    printError("the installation does not load (" + describeDirectories(directories) + "):");
+    printException(e);
+    printError("run \"zelk-config -check\" for every problem with its place");
+    return nullptr;
+  }
+}
+
+const configuration::Specification* findSpecification(configuration::ConfigurationManager& manager,
+                                                      const std::string& id) {
+  const configuration::Specification* specification = manager.getSpecification(id.c_str());
+  if (specification == nullptr) {
+    printError("The \"" + id + "\" specification was not found");
+  }
+  return specification;
 }
 
 }  // namespace zelk::configtool

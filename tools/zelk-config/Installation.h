@@ -1,9 +1,15 @@
 // Installation: the directories that zelk-config works on, and the registry files in them.
 #pragma once
 
+#include <cstddef>
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+namespace zelk::configuration {
+class ConfigurationManager;
+class Specification;
+}  // namespace zelk::configuration
 
 namespace zelk::configtool {
 
@@ -42,5 +48,18 @@ Directories selectInstallation(const Options& options);
 // at every depth, of the plug-ins directory, in path order. mainFound tells whether the main
 // registry was among them.
 std::vector<std::string> findRegistryFiles(const Directories& directories, bool& mainFound);
+
+// "etc directory "...", plug-ins directory "..."", for messages.
+std::string describeDirectories(const Directories& directories);
+
+// The process-wide manager with the installation loaded; null, with the problem reported, when
+// its registry files do not load. A size limit other than 0 applies to the registry files too:
+// they are read again under it.
+configuration::ConfigurationManager* loadInstallation(const Directories& directories,
+                                                      std::size_t maxFileSize);
+
+// The specification of that id, or null with the problem reported.
+const configuration::Specification* findSpecification(configuration::ConfigurationManager& manager,
+                                                      const std::string& id);
 
 }  // namespace zelk::configtool

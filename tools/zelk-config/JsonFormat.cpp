@@ -1,0 +1,134 @@
+// The JSON format: for scripts and CI, written with JsonWriter.
+
+#include <ostream>
+
+#include "JsonWriter.h"
+#include "OutputFormat.h"
+#include "SourceTracker.h"
+#include "ValuesSink.h"
+#include "zelk/configuration/Container.h"
+#include "zelk/configuration/Parameter.h"
+#include "zelk/configuration/ParameterRef.h"
+#include "zelk/configuration/Specification.h"
+
+namespace zelk::configtool {
+
+using namespace zelk::configuration;
+
+namespace {
+
+// The registry's word for a value type, which scripts compare against.
+const char* typeWord(const Parameter* parameter) {
+  if (parameter == nullptr) return "unknown";
+  switch (parameter->getValueType()) {
+    case Parameter::BOOL: return "bool";
+    case Parameter::STRING: return "string";
+    case Parameter::INT32: return "int32";
+    case Parameter::UINT32: return "uint32";
+    case Parameter::INT64: return "int64";
+    case Parameter::UINT64: return "uint64";
+    case Parameter::DOUBLE: return "double";
+    case Parameter::OID: return "oid";
+    case Parameter::ENUM: return "enum";
+    default: return "unknown";
+  }
+}
+
+// The values: one object with the specification, its sources and an array of items in
+// specification order, each a value or a container instance with its own array of items.
+class JsonValuesSink : public ValuesSink {
+public:
+  JsonValuesSink(std::ostream& out, const SourceTracker& sources)
+      : mJson(out), mSources(sources) {}
+
+  void begin(const Specification& specification) override {
+    mJson.beginObject();
+    mJson.key("specification");
+    mJson.value(specification.getId());
+    mJson.key("sources");
+    std::vector<std::string> names = mSources.getMachineNames();
+    names.push_back(DEFAULT_SOURCE);
+    mJson.value(names);
+    mJson.key("values");
+    mJson.beginArray();
+  }
+
+  void value(const ParameterRef& reference, const std::vector<std::string>& texts,
+             const std::vector<std::size_t>& sources, const Container* strayFrom) override {
+    mJson.beginObject();
+    mJson.key("name");
+    mJson.value(reference.getId());
+    mJson.key("type");
+    mJson.value(typeWord(reference.getParameter()));
+    mJson.key("unbounded");
+    mJson.value(reference.isUnbounded());
+    mJson.key("texts");
+    mJson.value(texts);
+    mJson.key("sources");
+    mJson.value(SourceTracker::namesOf(sources, mSources.getMachineNames(), "unknown"));
+    if (strayFrom != nullptr) {
+      mJson.key("notReadHere");
+      mJson.value(std::string("it belongs in \"") + strayFrom->getId() + "\"");
+    }
+    mJson.endObject();
+  }
+
+  void beginContainer(const Container& container) override {
+    mJson.beginObject();
+    mJson.key("container");
+    mJson.value(container.getId());
+    mJson.key("values");
+    mJson.beginArray();
+  }
+
+  void endContainer() override {
+    mJson.endArray();
+    mJson.endObject();
+  }
+
+  void end() override {
+    mJson.endArray();
+    mJson.endObject();
+  }
+
+private:
+  JsonWriter mJson;
+  const SourceTracker& mSources;
+};
+
+class JsonFormat : public OutputFormat {
+public:
+  // An array of objects, one for each specification.
+  void writeList(std::ostream& out, const std::vector<const Specification*>& specifications,
+                 std::size_t) const override {
+    JsonWriter json(out);
+    json.beginArray();
+    for (const Specification* specification : specifications) {
+      json.beginObject();
+      json.key("id");
+      json.value(specification->getId());
+      json.key("name");
+      json.value(specification->getName());
+      json.key("title");
+      json.value(specification->getTitle());
+      json.key("description");
+      json.value(specification->getDescription());
+      json.endObject();
+    }
+    json.endArray();
+  }
+
+  std::unique_ptr<ValuesSink> makeValuesSink(std::ostream& out,
+                                             const SourceTracker& sources) const override {
+    return std::make_unique<JsonValuesSink>(out, sources);
+  }
+};
+
+}  // namespace
+
+const OutputFormat& jsonFormat() {
+  static const JsonFormat FORMAT;
+  return FORMAT;
+}
+
+}  // namespace zelk::configtool

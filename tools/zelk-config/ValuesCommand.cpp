@@ -1,0 +1,325 @@
+// -values: the values a tool would get for its specification, with the source of each.
+//
+// It enables the configuration exactly as the tool would (value files through
+// "-loadConfiguration", the application's file, the machine file, the tool's command line) and
+// reads the specification's merged values. It then writes them in specification order, each with
+// its type and where it came from (the command line, a value file, or the default), in the
+// format chosen, or prints every problem, one per line: what the library's validation finds, and
+// what the tool would meet when reading the values (texts that do not convert to their type,
+// texts that a parameter's validator rejects). With -export they are also written as a value
+// file (ValueFileWriter).
+
+#include "Commands.h"
+
+#include <cctype>
+#include <cstdint>
+#include <memory>
+#include <ostream>
+#include <set>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "Command.h"
+#include "CommandLine.h"
+#include "Installation.h"
+#include "Output.h"
+#include "OutputFormat.h"
+#include "PlacedItems.h"
+#include "SourceTracker.h"
+#include "ValuesSink.h"
+#include "zelk/configuration/ConfigurationManager.h"
+#include "zelk/configuration/Container.h"
+#include "zelk/configuration/EnumDefinition.h"
+#include "zelk/configuration/GroupItemCollection.h"
+#include "zelk/configuration/Parameter.h"
+#include "zelk/configuration/ParameterRef.h"
+#include "zelk/configuration/Specification.h"
+#include "zelk/configuration/ValidationErrors.h"
+#include "zelk/configuration/Validator.h"
+#include "zelk/configuration/Value.h"
+#include "zelk/configuration/ValueBase.h"
+#include "zelk/configuration/ValueFileWriter.h"
+#include "zelk/configuration/ValueGroup.h"
+#include "zelk/configuration/ValueIterator.h"
+
+namespace zelk::configtool {
+
+using namespace zelk::configuration;
+
+namespace {
+
+const char* const LOAD_CONFIGURATION_SWITCH = "-loadConfiguration";
+
+// The problems a tool would meet reading the values: texts that do not convert to the
+// parameter's type, and texts that the parameter's validator rejects.
+void checkEntries(const ValueGroup& group, std::vector<std::string>& problems) {
+  for (std::size_t i = 0; i < group.getItemCount(); ++i) {
+    const boost::shared_ptr<ValueGroupItem> item = group.getItem(i);
+    if (item->isValueGroup()) {
+      checkEntries(*boost::static_pointer_cast<ValueGroup>(item), problems);
+      continue;
+    }
+    const auto* value = dynamic_cast<const ValueBase*>(item.get());
+    if (value == nullptr || value->getParameter() == nullptr) continue;
+    const Parameter& parameter = *value->getParameter();
+    const std::string name = value->getName();
+    for (ValueIterator entry = value->getIterator(); entry.next();) {
+      try {
+        switch (parameter.getValueType()) {
+          case Parameter::BOOL: entry.asBool(); break;
+          case Parameter::INT32: entry.asInt32(); break;
+          case Parameter::UINT32: entry.asUInt32(); break;
+          case Parameter::INT64: entry.asInt64(); break;
+          case Parameter::UINT64: entry.asUInt64(); break;
+          case Parameter::DOUBLE: entry.asDouble(); break;
+          case Parameter::OID: entry.asOID(); break;
+          case Parameter::ENUM: {
+            ValidationErrors errors;
+            const std::string text = entry.asString();
+            if (parameter.getEnumDefinition() != nullptr) {
+              parameter.getEnumDefinition()->getValue(text.c_str(), &errors);
+            }
+            errors.throwIfErrors();
+            break;
+          }
+          default: break;
+        }
+      } catch (const std::exception& e) {
+        problems.push_back(name + ": " + describeException(e));
+        continue;
+      }
+      const Validator* validator = parameter.getValidator();
+      if (validator != nullptr && parameter.getValueType() != Parameter::BOOL) {
+        const std::string text = entry.asString();
+        std::unique_ptr<char[]> error(validator->validate(text.c_str()));
+        if (error) {
+          std::string message = error.get();
+          while (!message.empty() && message.back() == '\n') message.pop_back();
+          problems.push_back(name + ": \"" + text + "\" is rejected by the \"" +
+                             validator->getName() + "\" validator: " + message);
+        }
+      }
+    }
+  }
+}
+
+// The items of one group by name (ignoring case), read once, so that printing a group of many
+// values takes one pass over it.
+struct GroupIndex {
+  std::unordered_map<std::string, boost::shared_ptr<ValueBase>> values;  // the first of a name
+  std::unordered_map<std::string, std::vector<ValueGroup>> groups;       // in order
+
+  static std::string key(const char* name) {
+    std::string lower(name != nullptr ? name : "");
+    for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return lower;
+  }
+
+  explicit GroupIndex(const ValueGroup& group) {
+    if (group.isNull()) return;
+    for (std::size_t i = 0; i < group.getItemCount(); ++i) {
+      const boost::shared_ptr<ValueGroupItem> item = group.getItem(i);
+      if (item->isValueGroup()) {
+        groups[key(item->getName())].push_back(*boost::static_pointer_cast<ValueGroup>(item));
+      } else if (auto value = boost::dynamic_pointer_cast<ValueBase>(item)) {
+        values.emplace(key(item->getName()), value);
+      }
+    }
+  }
+
+  boost::shared_ptr<ValueBase> findValue(const char* name) const {
+    const auto found = values.find(key(name));
+    return found != values.end() ? found->second : boost::shared_ptr<ValueBase>();
+  }
+};
+
+// Walks a group in the order of its container's items, values with their sources, defaults for
+// what no source gave, nested groups in place.
+class ValuesWalker {
+public:
+  ValuesWalker(ValuesSink& sink, const SourceTracker& sources) : mSink(sink), mSources(sources) {}
+
+  // Walks the group's items in the order of the container, then what the group holds that the
+  // container does not place there. replayed is the same group in the source tracker's tree.
+  void walkGroup(const ValueGroup& group, const ValueGroup& replayed, const Container& container) {
+    const GroupIndex items(group);
+    const GroupIndex twins(replayed);
+    forEachPlacedItem(
+        container,
+        [&](const ParameterRef& reference) { walkValue(items, twins, reference); },
+        [&](const Container& nested) { walkContainer(items, twins, nested); });
+    walkStrays(group, twins);
+  }
+
+private:
+  // A value bound to a parameter of a nested container, given where that container's values do
+  // not go (a flag on the command line, whose values all land at the top): the tool never
+  // reads it there.
+  void walkStrays(const ValueGroup& group, const GroupIndex& twins) {
+    for (std::size_t i = 0; i < group.getItemCount(); ++i) {
+      const boost::shared_ptr<ValueGroupItem> item = group.getItem(i);
+      if (item->isValueGroup() || mWalked.count(item->getInstanceId()) != 0) continue;
+      const auto* value = dynamic_cast<const ValueBase*>(item.get());
+      const ParameterRef* reference = value != nullptr ? value->getParameterRef() : nullptr;
+      if (reference == nullptr) continue;
+      mSink.value(*reference, textsOf(*value),
+                  sourcesOf(*value, twins.findValue(value->getName())), reference->getContainer());
+    }
+  }
+
+  std::vector<std::size_t> sourcesOf(const ValueBase& value,
+                                     const boost::shared_ptr<ValueBase>& twin) const {
+    std::vector<std::size_t> sources;
+    if (twin) sources = mSources.sourcesOf(*twin);
+    if (sources.size() != value.getValueCount()) sources.assign(value.getValueCount(), FROM_UNKNOWN);
+    return sources;
+  }
+
+  static std::vector<std::string> textsOf(const ValueBase& value) {
+    std::vector<std::string> texts;
+    for (ValueIterator entry = value.getIterator(); entry.next();) texts.push_back(entry.asString());
+    return texts;
+  }
+
+  void walkValue(const GroupIndex& items, const GroupIndex& twins, const ParameterRef& reference) {
+    const char* id = reference.getId();
+    boost::shared_ptr<ValueBase> value = items.findValue(id);
+    std::vector<std::size_t> sources;
+    if (value && value->isMatched()) {
+      sources = sourcesOf(*value, twins.findValue(id));
+    } else {
+      // The default a tool reads for an absent value (members of a one-of have none).
+      if (reference.getOneOf() != nullptr) return;
+      const Value fallback = reference.getDefaultValue();
+      if (fallback.isNull() || !fallback.hasValues()) return;
+      value = boost::shared_ptr<ValueBase>(new Value(fallback));
+      sources.assign(value->getValueCount(), FROM_DEFAULT);
+    }
+    mWalked.insert(value->getInstanceId());
+    mSink.value(reference, textsOf(*value), sources, nullptr);
+  }
+
+  void walkContainer(const GroupIndex& items, const GroupIndex& twins, const Container& container) {
+    const auto instances = items.groups.find(GroupIndex::key(container.getId()));
+    if (instances == items.groups.end()) return;
+    const auto replayed = twins.groups.find(GroupIndex::key(container.getId()));
+    for (std::size_t i = 0; i < instances->second.size(); ++i) {
+      const ValueGroup twin = replayed != twins.groups.end() && i < replayed->second.size()
+                                  ? replayed->second[i]
+                                  : ValueGroup();
+      mSink.beginContainer(container);
+      walkGroup(instances->second[i], twin, container);
+      mSink.endContainer();
+    }
+  }
+
+  ValuesSink& mSink;
+  const SourceTracker& mSources;
+  std::set<uint32_t> mWalked;  // instance ids of the values reported in their place
+};
+
+// A copy of the top group without the values that the tool does not read there (a flag of a
+// parameter inside a container), each reported: they cannot be written where they stand.
+ValueGroup withoutStrays(const ValueGroup& values, const Specification& specification) {
+  ValueGroup copy(values, 0);
+  for (std::size_t i = copy.getItemCount(); i-- > 0;) {
+    const boost::shared_ptr<ValueGroupItem> item = copy.getItem(i);
+    const auto* value = dynamic_cast<const ValueBase*>(item.get());
+    const ParameterRef* reference = value != nullptr ? value->getParameterRef() : nullptr;
+    if (reference != nullptr && reference->getContainer() != specification.getItemsContainer()) {
+      printError(std::string(reference->getId()) + ": not exported: it belongs in \"" +
+                 (reference->getContainer() != nullptr ? reference->getContainer()->getId() : "?") +
+                 "\"");
+      copy.remove(i);
+    }
+  }
+  return copy;
+}
+
+// The manager enabled as the tool would enable it, with the specification; null, with the
+// problem reported, when that fails.
+const Specification* enableAsTheTool(ConfigurationManager& manager, const Options& options) {
+  std::vector<std::string> words{options.specification};
+  for (const std::string& file : options.valueFiles) {
+    words.push_back(LOAD_CONFIGURATION_SWITCH);
+    words.push_back(file);
+  }
+  words.insert(words.end(), options.toolArguments.begin(), options.toolArguments.end());
+  std::vector<const char*> argv;
+  for (const std::string& word : words) argv.push_back(word.c_str());
+
+  const Specification* specification = nullptr;
+  try {
+    // The specification is looked up after enabling: enabling reloads every registry.
+    manager.enableConfiguration(!options.noMachineConfig,
+                                options.applicationFile ? options.applicationFile->c_str() : nullptr,
+                                static_cast<unsigned int>(argv.size()), argv.data(),
+                                options.specification.c_str());
+    specification = manager.getSpecification(options.specification.c_str());
+  } catch (const std::exception& e) {
+    printException(e);
+    return nullptr;
+  }
+  if (specification == nullptr) {
+    printError("The \"" + options.specification + "\" specification was not found");
+  }
+  return specification;
+}
+
+// The merged values, or a null group with every problem reported.
+ValueGroup readValues(ConfigurationManager& manager, const Options& options) {
+  ValueGroup values;
+  try {
+    values = manager.getValueGroup(options.specification.c_str(), false, 0);
+  } catch (const std::exception& e) {
+    printException(e);
+    return ValueGroup();
+  }
+  std::vector<std::string> problems;
+  checkEntries(values, problems);
+  for (const std::string& problem : problems) printError(problem);
+  return problems.empty() ? values : ValueGroup();
+}
+
+}  // namespace
+
+int runValues(const CommandContext& context) {
+  const Options& options = context.options;
+  if (loadInstallation(context.directories, options.maxFileSize) == nullptr) return EXIT_PROBLEMS;
+  ConfigurationManager* manager = nullptr;
+  try {
+    manager = ConfigurationManager::getInstance();
+  } catch (const std::exception& e) {
+    printError("the installation's registry files do not load (run zelk-config -check):");
+    printException(e);
+    return EXIT_PROBLEMS;
+  }
+  const Specification* specification = enableAsTheTool(*manager, options);
+  if (specification == nullptr) return EXIT_PROBLEMS;
+
+  SourceTracker sources;
+  sources.replay(*manager, *specification);
+  const ValueGroup values = readValues(*manager, options);
+  if (values.isNull()) return EXIT_PROBLEMS;
+
+  if (options.exportFile) {
+    try {
+      ValueFileWriter::writeFile(options.exportFile->c_str(), *specification,
+                                 withoutStrays(values, *specification));
+    } catch (const std::exception& e) {
+      printException(e);
+      return EXIT_PROBLEMS;
+    }
+  }
+
+  const std::unique_ptr<ValuesSink> sink =
+      chosenFormat(options).makeValuesSink(context.out, sources);
+  sink->begin(*specification);
+  ValuesWalker(*sink, sources).walkGroup(values, sources.getReplay(),
+                                         *specification->getItemsContainer());
+  sink->end();
+  return EXIT_CLEAN;
+}
+
+}  // namespace zelk::configtool
