@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <memory>
 #include <sstream>
 
 #include "configuration/Models.h"
@@ -91,6 +92,60 @@ TEST_F(ValueRetrievalTest, ApplicationValuesWinOverTheCommandLineOverFilesInOrde
   EXPECT_EQ(1u, values.getItemCount("db"));
   EXPECT_EQ(7, values.getValueGroup("db").getValue("dbport").asInt32());
   EXPECT_EQ(2u, values.getItemCount("mirror"));
+}
+
+// A provider of the application's own: it answers its id as "name" and as one of the "paths".
+class OwnProvider : public ValueProvider {
+public:
+  class Impl : public impl::ValueProviderImpl {
+  public:
+    Impl(const char* id, int priority) : impl::ValueProviderImpl("OWN", priority, id) {}
+    ValueGroup getSpecificationValues(const Specification& spec, int) const override {
+      ValueGroup values(&spec);
+      values.addValue("name", getId());
+      values.addValue("paths", getId());
+      return values;
+    }
+  };
+  OwnProvider(const char* id, int priority) : ValueProvider(new Impl(id, priority)) {
+    getImpl()->setEnabled(true);
+  }
+  const char* getName() const override { return "OWN"; }
+};
+
+TEST_F(ValueRetrievalTest, ProvidersAnswerInTheByteOrderOfTheirIdsWhateverTheirPriorities) {
+  // Registered out of order, with priorities that contradict the order.
+  mManager->registerValueProvider(new OwnProvider("defaults", -100));
+  addFile("<archive name=\"file1\"><paths value=\"file1\"/></archive>");
+  mManager->registerValueProvider(new OwnProvider("ETCD", 50));
+  addCommandLine({"-name", "cli", "-paths", "cli"});
+  addFile("<archive name=\"file2\"><paths value=\"file2\"/></archive>");
+  ValueGroup mine(mModel.archive);
+  mine.addValue("paths", "app");
+  mine.addValue("target", "/t");
+  mManager->setApplicationValues(mine, 0);
+  mManager->registerValueProvider(new OwnProvider("AAA", 1000));
+
+  std::vector<std::string> order;
+  std::unique_ptr<zelk::IEnumerator<ValueProvider*>> providers(
+      mManager->getValueProviderEnumerator());
+  for (; providers->hasNext(); providers->moveNext()) {
+    order.push_back(providers->getCurrent()->getId());
+  }
+  ASSERT_EQ(7u, order.size());
+  EXPECT_EQ("CLI-", order[2].substr(0, 4));  // a generated id, "CLI-" and a number
+  order[2] = "CLI-n";
+  EXPECT_EQ((std::vector<std::string>{"AAA", "APP_VALUES", "CLI-n", "ETCD", "XML_FILE",
+                                      "XML_FILE", "defaults"}),
+            order);
+
+  ValueGroup values = mManager->getValueGroup("archive", false, 0);
+  EXPECT_EQ("AAA", values.getValue("name").asString());
+  UnboundedValue paths = values.getUnboundedValue("paths");
+  std::vector<std::string> answers;
+  for (size_t i = 0; i < paths.getValueCount(); ++i) answers.push_back(paths.asString(i));
+  EXPECT_EQ((std::vector<std::string>{"AAA", "app", "cli", "ETCD", "file1", "file2", "defaults"}),
+            answers);
 }
 
 TEST_F(ValueRetrievalTest, ValuesAreCachedPerIdWhateverTheFlagsOrCase) {

@@ -10,6 +10,20 @@
 //   if (cli != 0 && cli->getEnabled()) {
 //     ValueGroup values = cli->getValues(*spec, 0);
 //   }
+//
+// Provider order. The manager asks its enabled providers in the byte order of their ids (the
+// registry key order), and for a value given once the first answer wins; an unbounded value
+// collects the entries of every answer in the same order. The order is deliberate and decided
+// by the id alone; the priority plays no part in it. Upper case sorts before lower case and
+// "-" before letters:
+//   "APP_VALUES"   values the application sets (setApplicationValues)
+//   "CLI", "CLI-n" the command line
+//   "ETCD"         the cluster provider's slot: after the command line, before value files
+//   "XML_FILE"     value files, in the order they were registered: the "-loadConfiguration"
+//                  files, the application's file, then "machine.config"
+// Providers with equal ids come in the order of their registration. An application's own
+// provider lands wherever its id sorts: a lower-case id such as "defaults" comes after every
+// provider above, "AAA" before them all. Choose the id for the place you want.
 #pragma once
 
 #include <cstddef>
@@ -52,6 +66,10 @@ public:
 
   impl::ValueProviderImpl* getImpl() const;
   bool getEnabled() const;
+  // The number the provider was built with: the manager numbers the providers it makes for files
+  // and the command line in the order it creates them (from 1; the application provider has 0).
+  // It is informational only: it does not decide which provider's value wins (see the provider
+  // order above), and the numbers need not agree with that order.
   int getPriority() const;
   // Each calls the matching setArguments and then enables the provider; when setArguments throws
   // the provider stays disabled.
