@@ -13,8 +13,10 @@ if [[ $budget == *s ]]; then budget=${budget%s}; else budget=$((budget * 60)); f
 parallel=${2:-2}
 out=${3:-/tmp/zelk-campaign}
 build=${ZELK_FUZZ_BUILD:-$root/build-fuzz}
-targets=(registry:xml value_file:xml command_line:command_line help:xml convert:text
-         xml_reader:xml strings:text)
+targets=()
+while read -r name _ dict; do
+  [[ -z $name || $name == \#* ]] || targets+=("$name:$dict")
+done < "$root/fuzz/targets.txt"
 
 command -v clang++ >/dev/null || { echo "clang++ is needed (apt-get install clang libclang-rt-14-dev)" >&2; exit 1; }
 cmake -S "$root" -B "$build" -G Ninja -DZELK_FUZZ=ON -DCMAKE_CXX_COMPILER=clang++ \
