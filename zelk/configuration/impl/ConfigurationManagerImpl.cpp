@@ -23,6 +23,7 @@
 #include "zelk/configuration/ValueGroup.h"
 #include "zelk/configuration/ValueProvider.h"
 #include "zelk/configuration/XmlFileValueProvider.h"
+#include "zelk/configuration/impl/ChangeSource.h"
 #include "zelk/configuration/impl/CommandLineValueProvider.h"
 #include "zelk/configuration/impl/ConfigurationRegistryFilesFinder.h"
 #include "zelk/configuration/impl/ContextManager.h"
@@ -148,6 +149,11 @@ IEnumerator<ValueProvider*>* ConfigurationManagerImpl::getValueProviderEnumerato
 
 size_t ConfigurationManagerImpl::getNumberOfValueProviders() const {
   return mValueProviders.size();
+}
+
+void ConfigurationManagerImpl::addChangeSource(ChangeSource* source) {
+  ZELK_CONTRACT(source != 0);
+  mChangeSources.push_back(std::unique_ptr<ChangeSource>(source));
 }
 
 // Validators.
@@ -464,6 +470,7 @@ void ConfigurationManagerImpl::clearCaches() {
   // Values first: they point into the specifications, which point to the global items. Trees
   // handed out may still hold the generation; the objects then live on with them.
   clearValueCache();
+  mChangeSources.clear();
   mValueProviders.clear();
   mGeneration->retire(mSpecifications.release(), mGlobalItems.release(), mValidators.release(),
                       mEnumDefinitions.release());

@@ -5,7 +5,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include <boost/intrusive_ptr.hpp>
 #include <boost/shared_ptr.hpp>
@@ -21,6 +23,7 @@ class ExtensionPoint;
 
 namespace zelk::configuration::impl {
 
+class ChangeSource;
 class ValueGroupState;
 
 class ConfigurationManagerImpl {
@@ -129,6 +132,14 @@ public:
   // The priority for the next provider made for a file or the command line; each call takes one.
   int takeNextPriority() { return mNextPriority++; }
 
+  // Adds a source of values that can change while the application runs (see ChangeSource), for
+  // the following started after this call; takes ownership (contract: not null). Sources go with
+  // the providers on clearCaches().
+  void addChangeSource(ChangeSource* source);
+  const std::vector<std::unique_ptr<ChangeSource> >& getChangeSources() const {
+    return mChangeSources;
+  }
+
 private:
   ConfigurationManagerImpl(const ConfigurationManagerImpl&) = delete;
   ConfigurationManagerImpl& operator=(const ConfigurationManagerImpl&) = delete;
@@ -141,6 +152,7 @@ private:
   GlobalItemMap mGlobalItems;
   ValidatorMap mValidators;
   ValueProviderMap mValueProviders;
+  std::vector<std::unique_ptr<ChangeSource> > mChangeSources;
   std::string mRepresentation;
   int32_t mNextPriority;
   std::size_t mMaxFileSize;
