@@ -140,8 +140,11 @@ add_test(NAME zelk-config.export-round-trip
   COMMAND ${CMAKE_COMMAND} -DZELK_CONFIG=${zc} -DSOURCE_DIR=${PROJECT_SOURCE_DIR}
     -DWORK_DIR=${CMAKE_CURRENT_BINARY_DIR}/export-round-trip
     -P ${CMAKE_CURRENT_SOURCE_DIR}/tools/export-round-trip.cmake)
+add_test(NAME zelk-config.hostile-names
+  COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/tools/hostile-names.sh ${zc}
+    ${ZELK_TOOL_DATA}/hostile/zelk.crg ${CMAKE_CURRENT_BINARY_DIR}/hostile-names)
 set_tests_properties(zelk-config.schema zelk-config.completion zelk-config.export-round-trip
-  PROPERTIES LABELS tools)
+  zelk-config.hostile-names PROPERTIES LABELS tools)
 
 # Files over the size limit are refused before they are read.
 zelk_output_test(zelk-config.values-file-too-large 1

@@ -10,6 +10,11 @@
 // ends in "file" or is "path") file names, after one that names a directory ("directory", "dir")
 // directory names; after a boolean switch, which takes no value, and after any other flag,
 // nothing. The flag before the word is recognised in any letter case, as the library does.
+//
+// Registry texts are not trusted: every label and flag name is a single-quoted array element of
+// the script (ShellText.h), never a word list that the shell expands, and a completion is
+// inserted quoted (printf %q), so that a label such as "$(rm x)" is offered as those characters
+// and runs neither when Tab is pressed nor when the command line is run.
 #pragma once
 
 #include <iosfwd>

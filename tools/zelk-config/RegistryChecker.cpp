@@ -1,6 +1,7 @@
 #include "RegistryChecker.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <cstring>
 #include <strings.h>
@@ -10,6 +11,7 @@
 #include <unordered_set>
 
 #include "Output.h"
+#include "ShellText.h"
 #include "zelk/configuration/ConfigurationManager.h"
 #include "zelk/configuration/ConfigurationRegistryLoader.h"
 #include "zelk/configuration/Container.h"
@@ -95,6 +97,24 @@ std::string firstQuoted(const std::string& text) {
 std::string oneLine(std::string text) {
   std::replace(text.begin(), text.end(), '\n', ' ');
   return text;
+}
+
+// Why "-" + name cannot be typed as one plain word on a shell command line (empty when it can):
+// a flag is matched against the words a tool is given, and a name with a blank, a shell
+// character or a control character cannot arrive as one unquoted word, nor be offered by
+// completion as the user would type it.
+std::string untypable(const std::string& name) {
+  if (name.empty()) return "it is empty";
+  for (char c : name) {
+    const unsigned char byte = static_cast<unsigned char>(c);
+    // Letters, digits and a few punctuation characters that no shell treats specially; any
+    // byte of a UTF-8 sequence is taken as part of a letter.
+    if (std::isalnum(byte) || byte >= 0x80 || std::strchr("-_.,:+@%/=", c) != nullptr) continue;
+    if (c == ' ') return "it holds a space";
+    if (byte < 0x20 || byte == 0x7F) return "it holds a control character";
+    return std::string("it holds \"") + c + "\"";
+  }
+  return std::string();
 }
 
 std::string childCount(std::size_t count) {
@@ -318,6 +338,14 @@ void RegistryChecker::checkModel(ConfigurationManager& manager) {
   const std::size_t ownedProblems = walker.mProblems.size();
   for (const Parameter* parameter : parameters) {
     walker.checkDefault(parameter->getDefaultValue(), parameter, "Parameter", parameter->getId());
+    const std::string name = parameter->getName();
+    const std::string why = untypable(name);
+    if (!why.empty()) {
+      walker.mProblems.push_back({"Parameter", parameter->getId(), std::string(),
+                                  "the flag name \"" + name + "\" of parameter \"" +
+                                      std::string(parameter->getId()) +
+                                      "\" cannot be typed on a command line: " + why});
+    }
   }
 
   for (std::size_t i = 0, owner = 0; i < walker.mProblems.size(); ++i) {
@@ -368,7 +396,7 @@ void RegistryChecker::add(std::size_t file, unsigned int line, unsigned int colu
   finding.file = file;
   finding.line = line;
   finding.column = column;
-  finding.message = oneLine(message);
+  finding.message = printable(oneLine(message));
   const std::string key = std::to_string(finding.file) + ':' + std::to_string(finding.line) +
                           ':' + std::to_string(finding.column) + ": " + finding.message;
   if (mSeen.insert(key).second) mFindings.push_back(finding);
@@ -391,7 +419,7 @@ void RegistryChecker::print(std::ostream& out) const {
   const std::vector<Finding> findings = getFindings();
   for (const Finding& finding : findings) {
     if (finding.file != Finding::NO_FILE) {
-      out << mIndex.getPath(finding.file);
+      out << printable(mIndex.getPath(finding.file));
       if (finding.line != 0) out << ':' << finding.line << ':' << finding.column;
       out << ": ";
     }
