@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "configuration/Models.h"
 #include "support/TempDir.h"
@@ -20,6 +23,7 @@
 #include "zelk/configuration/Value.h"
 #include "zelk/configuration/impl/ConfigurationRegistryLoaderImpl.h"
 #include "zelk/configuration/impl/Factory.h"
+#include "zelk/configuration/impl/ValueTypeTable.h"
 #include "zelk/configuration/impl/Version.h"
 
 namespace zelk::configuration {
@@ -114,6 +118,50 @@ TEST_F(ConfigurationRegistryLoaderTest, LoadsEveryElementOfTheFormat) {
   const ParameterRef* copiedLevel = copy->findParameterRef("LEVEL");
   ASSERT_NE(nullptr, copiedLevel);
   EXPECT_EQ(7u, copiedLevel->getDefaultValue().asUInt32());
+}
+
+// Every type word of the value-type table, and the short forms, loads as its type; the schema
+// that zelk-config installs for registry files accepts exactly those words.
+TEST_F(ConfigurationRegistryLoaderTest, EveryTypeWordLoadsAndTheRegistrySchemaKnowsTheSameWords) {
+  std::vector<std::pair<std::string, Parameter::ValueType>> words = {{"int", Parameter::INT32},
+                                                                     {"uint", Parameter::UINT32}};
+  for (const impl::ValueTypeInfo* row = impl::ValueTypeTable::begin();
+       row != impl::ValueTypeTable::end(); ++row) {
+    words.emplace_back(row->word, row->type);
+  }
+  ASSERT_EQ(11u, words.size());
+  std::string parameters;
+  for (const auto& word : words) {
+    parameters += "<Parameter id=\"p_" + word.first + "\" type=\"" + word.first +
+                  "\" enumType=\"mode\" description=\"d\"/>";
+  }
+  load(registry(
+      "<Enumerations><Enumeration id=\"mode\"><Value label=\"fast\"/></Enumeration>"
+      "</Enumerations><Parameters>" + parameters + "</Parameters>"));
+  for (const auto& word : words) {
+    const auto* parameter =
+        dynamic_cast<const Parameter*>(mManager.getGlobalItem(("p_" + word.first).c_str()));
+    ASSERT_NE(nullptr, parameter) << word.first;
+    EXPECT_EQ(word.second, parameter->getValueType()) << word.first;
+  }
+
+  const std::string schema = test::readTextFile(std::string(ZELK_TEST_SOURCE_DIR) +
+                                                "/tools/zelk-config/schema/registry.xsd");
+  const std::string begin = "<xs:simpleType name=\"type\">";
+  const size_t start = schema.find(begin);
+  ASSERT_NE(std::string::npos, start);
+  const std::string types = schema.substr(start, schema.find("</xs:simpleType>", start) - start);
+  std::vector<std::string> inSchema;
+  const std::string tag = "<xs:enumeration value=\"";
+  for (size_t at = types.find(tag); at != std::string::npos; at = types.find(tag, at + 1)) {
+    const size_t from = at + tag.size();
+    inSchema.push_back(types.substr(from, types.find('"', from) - from));
+  }
+  std::vector<std::string> inTable;
+  for (const auto& word : words) inTable.push_back(word.first);
+  std::sort(inSchema.begin(), inSchema.end());
+  std::sort(inTable.begin(), inTable.end());
+  EXPECT_EQ(inTable, inSchema);
 }
 
 TEST_F(ConfigurationRegistryLoaderTest, ReadsBooleanAttributesAndNumbersEnumerations) {

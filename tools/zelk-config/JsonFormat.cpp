@@ -10,6 +10,7 @@
 #include "zelk/configuration/Parameter.h"
 #include "zelk/configuration/ParameterRef.h"
 #include "zelk/configuration/Specification.h"
+#include "zelk/configuration/impl/ValueTypeTable.h"
 
 namespace zelk::configtool {
 
@@ -19,19 +20,7 @@ namespace {
 
 // The registry's word for a value type, which scripts compare against.
 const char* typeWord(const Parameter* parameter) {
-  if (parameter == nullptr) return "unknown";
-  switch (parameter->getValueType()) {
-    case Parameter::BOOL: return "bool";
-    case Parameter::STRING: return "string";
-    case Parameter::INT32: return "int32";
-    case Parameter::UINT32: return "uint32";
-    case Parameter::INT64: return "int64";
-    case Parameter::UINT64: return "uint64";
-    case Parameter::DOUBLE: return "double";
-    case Parameter::OID: return "oid";
-    case Parameter::ENUM: return "enum";
-    default: return "unknown";
-  }
+  return parameter != nullptr ? impl::ValueTypeTable::word(parameter->getValueType()) : "unknown";
 }
 
 // The values: one object with the specification, its sources and an array of items in

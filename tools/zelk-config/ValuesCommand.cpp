@@ -42,6 +42,7 @@
 #include "zelk/configuration/ValueFileWriter.h"
 #include "zelk/configuration/ValueGroup.h"
 #include "zelk/configuration/ValueIterator.h"
+#include "zelk/configuration/impl/ValueTypeTable.h"
 
 namespace zelk::configtool {
 
@@ -66,25 +67,18 @@ void checkEntries(const ValueGroup& group, std::vector<std::string>& problems) {
     const std::string name = value->getName();
     for (ValueIterator entry = value->getIterator(); entry.next();) {
       try {
-        switch (parameter.getValueType()) {
-          case Parameter::BOOL: entry.asBool(); break;
-          case Parameter::INT32: entry.asInt32(); break;
-          case Parameter::UINT32: entry.asUInt32(); break;
-          case Parameter::INT64: entry.asInt64(); break;
-          case Parameter::UINT64: entry.asUInt64(); break;
-          case Parameter::DOUBLE: entry.asDouble(); break;
-          case Parameter::OID: entry.asOID(); break;
-          case Parameter::ENUM: {
-            ValidationErrors errors;
-            const std::string text = entry.asString();
-            if (parameter.getEnumDefinition() != nullptr) {
-              parameter.getEnumDefinition()->getValue(text.c_str(), &errors);
-            }
-            errors.throwIfErrors();
-            break;
+        // A bool's text is converted by asString itself; the others are checked as their type.
+        const std::string text = entry.asString();
+        ValidationErrors errors;
+        const impl::ValueTypeInfo* type = impl::ValueTypeTable::find(parameter.getValueType());
+        if (parameter.getValueType() == Parameter::ENUM) {
+          if (parameter.getEnumDefinition() != nullptr) {
+            parameter.getEnumDefinition()->getValue(text.c_str(), &errors);
           }
-          default: break;
+        } else if (type != nullptr && type->check != nullptr) {
+          type->check(text.c_str(), &errors);
         }
+        errors.throwIfErrors();
       } catch (const std::exception& e) {
         problems.push_back(name + ": " + describeException(e));
         continue;

@@ -42,7 +42,7 @@ public:
 
   ValueType getValueType() const;
   // The type name: "bool", "string", "int32", "uint32", "double", "OID", "enumeration", "int64"
-  // or "uint64".
+  // or "uint64" (the display names of impl::ValueTypeTable, which also holds the registry words).
   const char* getValueTypeName() const;
   // The type name of type, or "unknown" for a value outside the table.
   static const char* getValueTypeName(ValueType type);

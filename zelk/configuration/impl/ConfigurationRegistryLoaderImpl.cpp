@@ -19,6 +19,7 @@
 #include "zelk/configuration/impl/Convert.h"
 #include "zelk/configuration/impl/Factory.h"
 #include "zelk/configuration/impl/FileOpener.h"
+#include "zelk/configuration/impl/ValueTypeTable.h"
 #include "zelk/host/HostProcess.h"
 
 namespace zelk::configuration::impl {
@@ -54,17 +55,6 @@ const Version ConfigurationRegistryLoaderImpl::CURRENT_SCHEMA_VERSION(1, 1);
 
 ConfigurationRegistryLoaderImpl::ConfigurationRegistryLoaderImpl(ConfigurationManager* manager)
     : mManager(manager != nullptr ? manager : ConfigurationManager::getInstance()) {
-  mValueTypes["bool"] = Parameter::BOOL;
-  mValueTypes["string"] = Parameter::STRING;
-  mValueTypes["int"] = Parameter::INT32;
-  mValueTypes["uint"] = Parameter::UINT32;
-  mValueTypes["int32"] = Parameter::INT32;
-  mValueTypes["uint32"] = Parameter::UINT32;
-  mValueTypes["int64"] = Parameter::INT64;
-  mValueTypes["uint64"] = Parameter::UINT64;
-  mValueTypes["double"] = Parameter::DOUBLE;
-  mValueTypes["oid"] = Parameter::OID;
-  mValueTypes["enum"] = Parameter::ENUM;
   mBuffer[0] = '\0';
 }
 
@@ -364,13 +354,12 @@ bool ConfigurationRegistryLoaderImpl::readParameter() {
                                    attributes[VALIDATOR].value.c_str());
     }
   }
-  const std::map<std::string, Parameter::ValueType>::const_iterator type =
-      mValueTypes.find(attributes[TYPE].value);
-  if (type == mValueTypes.end()) {
+  const ValueTypeInfo* type = ValueTypeTable::findWord(attributes[TYPE].value);
+  if (type == nullptr) {
     throw ConfigurationException("\"%s\" is not a recognized type", attributes[TYPE].value.c_str());
   }
   const EnumDefinition* enumDefinition = nullptr;
-  if (type->second == Parameter::ENUM) {
+  if (type->type == Parameter::ENUM) {
     enumDefinition = mManager->getEnumDefinition(attributes[ENUM_TYPE].value.c_str());
     if (enumDefinition == nullptr) {
       throw ConfigurationException("The \"%s\" enumeration was not found",
@@ -379,7 +368,7 @@ bool ConfigurationRegistryLoaderImpl::readParameter() {
   }
   Parameter* parameter = Factory::createParameter(
       attributes[ID].value.c_str(), attributes[NAME].value.c_str(),
-      attributes[DESCRIPTION].value.c_str(), type->second, attributes[VALUE_NAME].value.c_str(),
+      attributes[DESCRIPTION].value.c_str(), type->type, attributes[VALUE_NAME].value.c_str(),
       validator, enumDefinition, mManager);
   if (!attributes[DEFAULT].value.empty()) {
     Factory::setDefaultValueFor(parameter, attributes[DEFAULT].value.c_str());

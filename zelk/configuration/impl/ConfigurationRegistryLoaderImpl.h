@@ -13,7 +13,6 @@
 #pragma once
 
 #include <cstddef>
-#include <map>
 #include <string>
 
 #include "zelk/configuration/Parameter.h"
@@ -106,7 +105,6 @@ private:
 
   ConfigurationManager* mManager;
   zelk::host::XmlTokenReader mReader;
-  std::map<std::string, Parameter::ValueType> mValueTypes;
   // The group whose items are being read: it is not visible to its own GroupRef elements.
   const Group* mCurrentGroup = nullptr;
   std::size_t mCopiedItems = 0;

@@ -11,26 +11,12 @@
 #include "zelk/configuration/ParameterRef.h"
 #include "zelk/configuration/ValidationErrors.h"
 #include "zelk/configuration/impl/Convert.h"
+#include "zelk/configuration/impl/ValueTypeTable.h"
 #include "zelk/util/Contracts.h"
 
 namespace zelk::configuration::impl {
 
 namespace {
-
-// The article before each value type name in "This value is not %s %s", by type code. The rows
-// for int64 and uint64 are kept as they are on purpose.
-const char* const ARTICLES[] = {"a", "a", "an", "an", "a", "an", "an", "a", "an"};
-
-const char* articleFor(int type) {
-  if (type < 0 || type >= static_cast<int>(sizeof(ARTICLES) / sizeof(ARTICLES[0]))) {
-    return "a";
-  }
-  return ARTICLES[type];
-}
-
-const char* typeNameOf(int type) {
-  return Parameter::getValueTypeName(static_cast<Parameter::ValueType>(type));
-}
 
 const char* parameterId(const Parameter* parameter) {
   ZELK_CONTRACT(parameter != 0);
@@ -207,7 +193,9 @@ int ValueState::findValueType() const {
 
 void ValueState::bindingChanged() { mValueType = findValueType(); }
 
-const char* ValueState::getValueTypeName() const { return typeNameOf(getValueType()); }
+const char* ValueState::getValueTypeName() const {
+  return ValueTypeTable::displayName(getValueType());
+}
 
 size_t ValueState::getValueCount() const {
   ReadGuard lock(mMutex);
@@ -224,8 +212,8 @@ void ValueState::validateValueType(int requested) const {
 }
 
 void ValueState::throwInvalidType(int requested) const {
-  throw ConfigurationException("This value is not %s %s", articleFor(requested),
-                               typeNameOf(requested));
+  throw ConfigurationException("This value is not %s %s", ValueTypeTable::article(requested),
+                               ValueTypeTable::displayName(requested));
 }
 
 const std::string& ValueState::textAt(size_t index) const {
@@ -352,45 +340,25 @@ void ValueState::checkWritableLocked() const {
 }
 
 void ValueState::validateText(const char* text, ValidationErrors& errors) const {
-  switch (getValueType()) {
-    case Parameter::BOOL:
-      Convert::asBool(text, &errors);
-      break;
-    case Parameter::INT32:
-      Convert::asInt32(text, &errors);
-      break;
-    case Parameter::UINT32:
-      Convert::asUInt32(text, &errors);
-      break;
-    case Parameter::INT64:
-      Convert::asInt64(text, &errors);
-      break;
-    case Parameter::UINT64:
-      Convert::asUInt64(text, &errors);
-      break;
-    case Parameter::DOUBLE:
-      Convert::asDouble(text, &errors);
-      break;
-    case Parameter::OID:
-      Convert::asOID(text, &errors);
-      break;
-    case Parameter::ENUM: {
-      const Parameter* parameter = getParameter();
-      const EnumDefinition* enumDef = parameter->getEnumDefinition();
-      ValidationErrors symbolErrors;
-      Convert::asEnum(enumDef, text, &symbolErrors);
-      if (symbolErrors.getNumberOfErrors() != 0) {
-        const std::string message = std::string("The value \"") + (text != 0 ? text : "") +
-                                    "\" is not valid for the \"" + parameter->getName() +
-                                    "\" parameter. Allowed values for this parameter are: " +
-                                    allowedSymbols(*enumDef) + ".";
-        errors.addError("%s", message.c_str());
-      }
-      break;
+  const int type = getValueType();
+  if (type == Parameter::ENUM) {
+    const Parameter* parameter = getParameter();
+    const EnumDefinition* enumDef = parameter->getEnumDefinition();
+    ValidationErrors symbolErrors;
+    Convert::asEnum(enumDef, text, &symbolErrors);
+    if (symbolErrors.getNumberOfErrors() != 0) {
+      const std::string message = std::string("The value \"") + (text != 0 ? text : "") +
+                                  "\" is not valid for the \"" + parameter->getName() +
+                                  "\" parameter. Allowed values for this parameter are: " +
+                                  allowedSymbols(*enumDef) + ".";
+      errors.addError("%s", message.c_str());
     }
-    default:
-      // Strings and untyped values take any text.
-      break;
+    return;
+  }
+  // Strings and untyped values take any text.
+  const ValueTypeInfo* info = ValueTypeTable::find(type);
+  if (info != 0 && info->check != 0) {
+    info->check(text, &errors);
   }
 }
 
@@ -478,7 +446,7 @@ void ValueState::append(const ValueState& other) {
   if (type != UNTYPED && type != otherType) {
     throw ConfigurationException(
         "Values of %s type cannot be appended to this %s type unbounded value",
-        typeNameOf(otherType), typeNameOf(type));
+        ValueTypeTable::displayName(otherType), ValueTypeTable::displayName(type));
   }
   // The source's texts are taken first, so that the two locks are never held together (and a
   // value can be appended to itself).
