@@ -26,6 +26,7 @@ boost::mutex singletonMutex;
 const char* const ConfigurationManager::COMMAND_LINE_PROVIDER_NAME = "CLI";
 const char* const ConfigurationManager::XML_FILE_PROVIDER_NAME = "XML_FILE";
 const char* const ConfigurationManager::APPLICATION_PROVIDER_NAME = "APP_VALUES";
+const char* const ConfigurationManager::ETCD_PROVIDER_NAME = "ETCD";
 
 ConfigurationManager* ConfigurationManager::smInstance = 0;
 
@@ -169,6 +170,10 @@ void ConfigurationManager::enableConfiguration(bool allowMachineConfig,
                                                const char* specificationId) {
   mImpl->enableConfiguration(allowMachineConfig, applicationConfigFile, argc, argv,
                              specificationId);
+}
+
+void ConfigurationManager::addEtcdConfiguration(const EtcdSource& source) {
+  mImpl->addEtcdConfiguration(source);
 }
 
 void ConfigurationManager::loadDefaultConfigurationRegistry() {

@@ -24,6 +24,8 @@
 
 namespace zelk::configuration {
 
+struct EtcdSource;
+
 class EnumDefinition;
 class GlobalItem;
 class GroupItem;
@@ -44,6 +46,8 @@ public:
   static const char* const COMMAND_LINE_PROVIDER_NAME;  // "CLI"
   static const char* const XML_FILE_PROVIDER_NAME;      // "XML_FILE"
   static const char* const APPLICATION_PROVIDER_NAME;   // "APP_VALUES"
+  // The kind and id of the etcd provider (EtcdValueProvider).
+  static const char* const ETCD_PROVIDER_NAME;  // "ETCD"
 
   // An empty manager. Prefer getInstance(), or impl::Factory::createManager() for an independent
   // manager with the default validators.
@@ -96,10 +100,16 @@ public:
 
   // Resets the manager and builds the value providers of this run: "-loadConfiguration" files,
   // the command line (when specificationId is given), the application's file and, if allowed,
-  // "machine.config".
+  // "machine.config". Each "-etcdConfiguration <settings>" on the command line, and then each
+  // "etcdConfiguration" element directly below the root of those files (its attributes are the
+  // settings), adds an etcd provider as addEtcdConfiguration does (see EtcdSource).
   void enableConfiguration(bool allowMachineConfig, const char* applicationConfigFile,
                            unsigned int argc, const char* const* argv,
                            const char* specificationId);
+  // Adds an etcd provider (id "ETCD") for source after those there are, reads its key and enables
+  // it; the main log says where the document came from. Throws as EtcdValueProvider's
+  // enableProvider does, and then adds nothing.
+  void addEtcdConfiguration(const EtcdSource& source);
   // Finds and loads the registry files ("zelk.crg" first); throws when "zelk.crg" is missing.
   void loadDefaultConfigurationRegistry();
   // Registers the storage-location validator and one validator per "ParameterValidator" plug-in.

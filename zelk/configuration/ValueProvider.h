@@ -6,6 +6,12 @@
 // validates its structure. The ConfigurationManager owns the providers registered with it and
 // merges their answers.
 //
+// The manager asks its providers in the byte order of their ids, and for a single value the first
+// answer wins: "APP_VALUES" (the application), "CLI-<n>" (the command line), "ETCD" (etcd keys, in
+// the order they were added), "XML_FILE" (value files: "-loadConfiguration" files, the
+// application's file, "machine.config"). A provider registered under another id takes its place
+// in the same order.
+//
 //   ValueProvider* cli = manager->getValueProvider(ConfigurationManager::COMMAND_LINE_PROVIDER_NAME);
 //   if (cli != 0 && cli->getEnabled()) {
 //     ValueGroup values = cli->getValues(*spec, 0);
@@ -43,7 +49,7 @@ class ValueProvider {
 public:
   // The provider's id, its registry key.
   virtual const char* getId() const;
-  // The provider's kind: "CLI", "XML_FILE" or "APP_VALUES".
+  // The provider's kind: "CLI", "XML_FILE", "APP_VALUES" or "ETCD".
   virtual const char* getName() const = 0;
   // The provider's values for spec, matched and validated; throws ValidationException when they
   // do not fit.

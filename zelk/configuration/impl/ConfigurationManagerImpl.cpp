@@ -3,6 +3,7 @@
 #include <strings.h>
 
 #include <exception>
+#include <memory>
 #include <new>
 #include <set>
 #include <string>
@@ -14,6 +15,8 @@
 #include "zelk/configuration/ConfigurationException.h"
 #include "zelk/configuration/ConfigurationRegistryLoader.h"
 #include "zelk/configuration/EnumDefinition.h"
+#include "zelk/configuration/EtcdSource.h"
+#include "zelk/configuration/EtcdValueProvider.h"
 #include "zelk/configuration/GlobalItem.h"
 #include "zelk/configuration/Parameter.h"
 #include "zelk/configuration/Specification.h"
@@ -37,6 +40,7 @@
 #include "zelk/configuration/impl/ValueGroupState.h"
 #include "zelk/configuration/impl/ValueGroupValidator.h"
 #include "zelk/configuration/impl/ValueProviderImpl.h"
+#include "zelk/configuration/impl/XmlFileValueProviderImpl.h"
 #include "zelk/host/ExtensionPoint.h"
 #include "zelk/host/HostDirectories.h"
 #include "zelk/host/HostFileSystem.h"
@@ -257,6 +261,9 @@ namespace {
 const std::string DIRECTORY_SEPARATOR(1, zelk::host::hostGetDirSeparator(nullptr));
 const char* const MACHINE_CONFIGURATION_FILE_NAME = "machine.config";
 const char* const LOAD_CONFIGURATION_SWITCH = "-loadConfiguration";
+const char* const ETCD_CONFIGURATION_SWITCH = "-etcdConfiguration";
+// The value-file element that names a cluster source; its attributes are EtcdSource's settings.
+const char* const ETCD_CONFIGURATION_ELEMENT = "etcdConfiguration";
 const char* const LOG_CATEGORY = "Configuration";
 
 // The host directory that lookup gives, with a separator at its end; empty when there is none.
@@ -317,6 +324,13 @@ void ConfigurationManagerImpl::enableConfiguration(bool allowMachineConfig,
         loadAndLogConfigurationFile(value, false);
         continue;
       }
+      if (strcasecmp(argument, ETCD_CONFIGURATION_SWITCH) == 0) {
+        if (value == 0 || *value == '\0') {
+          throw ConfigurationException("Missing value for the -etcdConfiguration parameter");
+        }
+        addEtcdConfiguration(EtcdSource::parse(value));
+        continue;
+      }
       arguments.push_back(argument);
       if (value != 0) {
         arguments.push_back(value);
@@ -342,6 +356,40 @@ void ConfigurationManagerImpl::enableConfiguration(bool allowMachineConfig,
   }
   if (allowMachineConfig) {
     loadAndLogConfigurationFile(getConfigurationDir() + MACHINE_CONFIGURATION_FILE_NAME, true);
+  }
+  addEtcdConfigurationsOfFiles();
+}
+
+void ConfigurationManagerImpl::addEtcdConfiguration(const EtcdSource& source) {
+  ContextManager scope;
+  std::unique_ptr<EtcdValueProvider> provider(new EtcdValueProvider(takeNextPriority(), ""));
+  // Read under this manager's size limit, and registered only once the read succeeded.
+  provider->getImpl()->setManager(mSelf);
+  provider->enableProvider(source);
+  registerValueProvider(provider.get());
+  provider.release();
+}
+
+void ConfigurationManagerImpl::addEtcdConfigurationsOfFiles() {
+  std::vector<EtcdSource> sources;
+  std::unique_ptr<IEnumerator<ValueProvider*>> providers(getValueProviderEnumerator());
+  for (; providers->hasNext(); providers->moveNext()) {
+    const XmlFileValueProvider* file =
+        dynamic_cast<const XmlFileValueProvider*>(providers->getCurrent());
+    if (file == 0) {
+      continue;
+    }
+    for (const auto& settings : file->getXmlFileImpl()->findTopElements(ETCD_CONFIGURATION_ELEMENT)) {
+      EtcdSource source;
+      for (const auto& setting : settings) {
+        source.set(setting.first, setting.second);
+      }
+      source.check();
+      sources.push_back(source);
+    }
+  }
+  for (const EtcdSource& source : sources) {
+    addEtcdConfiguration(source);
   }
 }
 

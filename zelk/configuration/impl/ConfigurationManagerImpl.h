@@ -87,6 +87,11 @@ public:
                            unsigned int argc, const char* const* argv,
                            const char* specificationId);
   void loadDefaultConfigurationRegistry();
+  // See ConfigurationManager.
+  void addEtcdConfiguration(const EtcdSource& source);
+  // An etcd provider for each "etcdConfiguration" element of the value files registered, in
+  // their order.
+  void addEtcdConfigurationsOfFiles();
   bool loadConfigurationFile(const std::string& path, bool ignoreIfMissing);
   void loadAndLogConfigurationFile(const std::string& path, bool ignoreIfMissing);
   void writeFileLogMessage(const std::string& path, bool succeeded);

@@ -1,5 +1,7 @@
 #include "zelk/configuration/impl/XmlFileValueProviderImpl.h"
 
+#include <cstring>
+
 #include "zelk/configuration/ConfigurationException.h"
 #include "zelk/configuration/ConfigurationManager.h"
 #include "zelk/configuration/Specification.h"
@@ -22,6 +24,12 @@ XmlFileValueProviderImpl::XmlFileValueProviderImpl(int priority, const std::stri
   mDocument.endElement();
 }
 
+XmlFileValueProviderImpl::XmlFileValueProviderImpl(const char* kind, int priority)
+    : ValueProviderImpl(kind, priority, kind), mFixed(false) {
+  mDocument.startElement(kind);
+  mDocument.endElement();
+}
+
 XmlFileValueProviderImpl::~XmlFileValueProviderImpl() {}
 
 std::size_t XmlFileValueProviderImpl::getMaxFileSize() const {
@@ -34,6 +42,41 @@ void XmlFileValueProviderImpl::setArguments(const char* path, int) {
   mXmlFilePath = path != 0 ? path : "";
   zelk::host::XmlTokenReader reader;
   openXmlFile(reader, mXmlFilePath.c_str(), getMaxFileSize());
+  load(reader);
+}
+
+void XmlFileValueProviderImpl::loadText(const std::string& text, const std::string& documentName) {
+  const std::size_t limit = getMaxFileSize();
+  if (text.size() > limit) {
+    throw ConfigurationException("The document %s is %zu bytes long, more than the limit of %zu "
+                                 "bytes",
+                                 documentName.c_str(), text.size(), limit);
+  }
+  zelk::host::XmlTokenReader reader;
+  reader.openBuffer(text.data(), text.size(), documentName.c_str());
+  load(reader);
+}
+
+std::vector<std::vector<std::pair<std::string, std::string>>>
+XmlFileValueProviderImpl::findTopElements(const char* name) const {
+  std::vector<std::vector<std::pair<std::string, std::string>>> found;
+  if (mFixed || mDocument.isEmpty()) {
+    return found;
+  }
+  for (size_t element = mDocument.getFirstChild(0); element < mDocument.getEndOfChildren(0);
+       element = mDocument.getNextSibling(element)) {
+    if (std::strcmp(mDocument.getName(element), name) == 0) {
+      found.emplace_back();
+      for (size_t i = 0; i < mDocument.getAttributeCount(element); ++i) {
+        found.back().emplace_back(mDocument.getAttributeName(element, i),
+                                  mDocument.getAttributeText(element, i));
+      }
+    }
+  }
+  return found;
+}
+
+void XmlFileValueProviderImpl::load(zelk::host::XmlTokenReader& reader) {
   XmlFileLoader loader(reader);
   XmlValueDocument loaded;
   if (!loader.loadDocument(loaded)) {

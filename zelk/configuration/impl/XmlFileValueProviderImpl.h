@@ -13,10 +13,16 @@
 
 #include <cstddef>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "zelk/configuration/ValueGroup.h"
 #include "zelk/configuration/impl/ValueProviderImpl.h"
 #include "zelk/configuration/impl/XmlValueDocument.h"
+
+namespace zelk::host {
+class XmlTokenReader;
+}
 
 namespace zelk::configuration::impl {
 
@@ -46,7 +52,22 @@ public:
   // with, else the reader's default (64 MiB).
   std::size_t getMaxFileSize() const;
 
+  // The attributes of each element named name directly below the root, elements and attributes
+  // in document order. Answers from the document as loaded, before the first request.
+  std::vector<std::vector<std::pair<std::string, std::string>>> findTopElements(
+      const char* name) const;
+
+protected:
+  // For kinds that read value documents from elsewhere: their own kind, which is also their id.
+  XmlFileValueProviderImpl(const char* kind, int priority);
+  // Loads a document given as text, named documentName in messages. Throws as setArguments does
+  // for a malformed document or one larger than getMaxFileSize(); the tree loaded before stays.
+  void loadText(const std::string& text, const std::string& documentName);
+
 private:
+  // Loads the document the reader was opened on, replacing the one held.
+  void load(zelk::host::XmlTokenReader& reader);
+
   // The file as read, until the first request turns it into mValues; before the first load, a
   // document of one empty element named "XML_FILE".
   mutable XmlValueDocument mDocument;
