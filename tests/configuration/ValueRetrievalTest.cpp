@@ -117,7 +117,7 @@ TEST_F(ValueRetrievalTest, ProvidersAnswerInTheByteOrderOfTheirIdsWhateverTheirP
   // Registered out of order, with priorities that contradict the order.
   mManager->registerValueProvider(new OwnProvider("defaults", -100));
   addFile("<archive name=\"file1\"><paths value=\"file1\"/></archive>");
-  mManager->registerValueProvider(new OwnProvider("ETCD", 50));
+  mManager->registerValueProvider(new OwnProvider(ConfigurationManager::ETCD_PROVIDER_NAME, 50));
   addCommandLine({"-name", "cli", "-paths", "cli"});
   addFile("<archive name=\"file2\"><paths value=\"file2\"/></archive>");
   ValueGroup mine(mModel.archive);

@@ -6,12 +6,6 @@
 // validates its structure. The ConfigurationManager owns the providers registered with it and
 // merges their answers.
 //
-// The manager asks its providers in the byte order of their ids, and for a single value the first
-// answer wins: "APP_VALUES" (the application), "CLI-<n>" (the command line), "ETCD" (etcd keys, in
-// the order they were added), "XML_FILE" (value files: "-loadConfiguration" files, the
-// application's file, "machine.config"). A provider registered under another id takes its place
-// in the same order.
-//
 //   ValueProvider* cli = manager->getValueProvider(ConfigurationManager::COMMAND_LINE_PROVIDER_NAME);
 //   if (cli != 0 && cli->getEnabled()) {
 //     ValueGroup values = cli->getValues(*spec, 0);
@@ -24,7 +18,8 @@
 // "-" before letters:
 //   "APP_VALUES"   values the application sets (setApplicationValues)
 //   "CLI", "CLI-n" the command line
-//   "ETCD"         the cluster provider's slot: after the command line, before value files
+//   "ETCD"         etcd keys (EtcdValueProvider), in the order they were added: after the
+//                  command line, before value files
 //   "XML_FILE"     value files, in the order they were registered: the "-loadConfiguration"
 //                  files, the application's file, then "machine.config"
 // Providers with equal ids come in the order of their registration. An application's own
