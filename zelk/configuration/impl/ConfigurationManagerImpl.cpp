@@ -30,6 +30,7 @@
 #include "zelk/configuration/impl/CommandLineValueProvider.h"
 #include "zelk/configuration/impl/ConfigurationRegistryFilesFinder.h"
 #include "zelk/configuration/impl/ContextManager.h"
+#include "zelk/configuration/impl/EtcdChangeSource.h"
 #include "zelk/configuration/impl/Factory.h"
 #include "zelk/configuration/impl/GroupItemStringGenerator.h"
 #include "zelk/configuration/impl/ObjectMapEnumeratorAdapter.h"
@@ -367,7 +368,8 @@ void ConfigurationManagerImpl::addEtcdConfiguration(const EtcdSource& source) {
   provider->getImpl()->setManager(mSelf);
   provider->enableProvider(source);
   registerValueProvider(provider.get());
-  provider.release();
+  // Followed with the other sources when the application follows its values.
+  addChangeSource(new EtcdChangeSource(provider.release()));
 }
 
 void ConfigurationManagerImpl::addEtcdConfigurationsOfFiles() {

@@ -75,6 +75,7 @@ void EtcdValueProviderImpl::setSource(const EtcdSource& source) {
     throw;
   }
   mClient.swap(client);
+  keepLastReceived();
   std::string log = "loadEtcdConfiguration: [succeeded]\n [endpoint = \"" + mEndpoint +
                     "\", key = \"" + mSource.key + "\", revision = " + std::to_string(mRevision) +
                     "]";
@@ -90,7 +91,19 @@ void EtcdValueProviderImpl::apply(bool found, const std::string& document, int64
   mReadRevision = readRevision;
   mEndpoint = endpoint;
   mFromLastReceived = false;
-  keepLastReceived(found, document, modRevision);
+}
+
+void EtcdValueProviderImpl::setReceived(const EtcdSource& source, bool found,
+                                        const std::string& document, int64_t modRevision,
+                                        const std::string& endpoint) {
+  const EtcdSource previousSource = mSource;
+  mSource = source;
+  try {
+    apply(found, document, modRevision, modRevision, endpoint);
+  } catch (...) {
+    mSource = previousSource;
+    throw;
+  }
 }
 
 void EtcdValueProviderImpl::load(bool found, const std::string& document, int64_t revision) {
@@ -98,15 +111,18 @@ void EtcdValueProviderImpl::load(bool found, const std::string& document, int64_
   loadText(found ? document : std::string("<") + ConfigurationManager::ETCD_PROVIDER_NAME + "/>",
            documentName(mSource, revision));
   mRevision = found ? revision : 0;
+  mDocumentText = found ? document : std::string();
 }
 
-void EtcdValueProviderImpl::keepLastReceived(bool found, const std::string& document,
-                                             int64_t revision) {
-  if (mSource.lastReceivedFile.empty() || !found) {
+void EtcdValueProviderImpl::keepLastReceived() {
+  // A key without a document leaves the last one kept: a start without the cluster then has the
+  // last values there were.
+  if (mSource.lastReceivedFile.empty() || mRevision == 0) {
     return;
   }
   std::string why;
-  if (!writeFileAtomically(mSource.lastReceivedFile, makeLastReceived(document, revision), why)) {
+  if (!writeFileAtomically(mSource.lastReceivedFile, makeLastReceived(mDocumentText, mRevision),
+                           why)) {
     // The values are in force all the same; only a later start without the cluster would miss
     // them.
     zelk::host::hostAddToMainLog(

@@ -43,11 +43,14 @@ public:
   // then stays.
   void setSource(const EtcdSource& source);
 
-  // Puts a document received from the cluster in force (after a change), as setSource does for
-  // the one read at start; found false: the key was deleted, no values. Throws as loading does,
-  // leaving the document in force as it was.
-  void apply(bool found, const std::string& document, int64_t modRevision, int64_t readRevision,
-             const std::string& endpoint);
+  // Takes a document of source's key received from the cluster (after a change) without asking
+  // the cluster; found false: the key was deleted, no values. Throws as loading does, leaving the
+  // provider as it was.
+  void setReceived(const EtcdSource& source, bool found, const std::string& document,
+                   int64_t modRevision, const std::string& endpoint);
+  // Writes the document in force to the source's lastReceivedFile, when it names one; a failure
+  // is written to the main log.
+  void keepLastReceived();
 
   const EtcdSource& getSource() const { return mSource; }
   // The revision of the last change of the document in force; 0 when the key does not exist.
@@ -70,7 +73,8 @@ public:
 private:
   // Loads document (an empty one when not found) as the one in force.
   void load(bool found, const std::string& document, int64_t revision);
-  void keepLastReceived(bool found, const std::string& document, int64_t revision);
+  void apply(bool found, const std::string& document, int64_t modRevision, int64_t readRevision,
+             const std::string& endpoint);
   void startFromLastReceived(const std::string& why);
 
   EtcdSource mSource;
@@ -79,6 +83,8 @@ private:
   int64_t mReadRevision;
   std::string mEndpoint;
   bool mFromLastReceived;
+  // The document in force as received, for keepLastReceived.
+  std::string mDocumentText;
 };
 
 }  // namespace zelk::configuration::impl
