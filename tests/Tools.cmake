@@ -52,7 +52,7 @@ set(example -installation ${ZELK_EXAMPLE_INSTALLATION})
 
 # Its own command line, parsed by the library.
 zelk_output_test(zelk-config.own-help 0 COMMAND ${zc} -help -width 80
-  MATCH "Usage: zelk-config.*\\(-check \\| -list \\| -usage \\| -help \\| -show \\| -values \\| -schema kind \\| -completion shell\\)"
+  MATCH "Usage: zelk-config.*\\(-check \\| -list \\| -usage \\| -help \\| -show \\| -values \\| -readKey \\| -schema kind \\| -completion shell\\)"
   MATCH "-registry file +A registry file to check")
 zelk_output_test(zelk-config.ambiguous-flag 2 COMMAND ${zc} -value
   MATCH "The flag \"value\" is ambiguous, matching the following allowed flags: values, valueFile")
@@ -123,11 +123,11 @@ zelk_output_test(zelk-config.values-json 0
   MATCH "\"container\": \"column\",\n *\"values\": .\n *{\n *\"name\": \"attribute\",\n *\"type\": \"string\",\n *\"unbounded\": false,\n *\"texts\": .\"name\"."
   MATCH "\"name\": \"batchSize\",\n *\"type\": \"uint32\",\n *\"unbounded\": false,\n *\"texts\": .\"1000\".,\n *\"sources\": .\"@SOURCE_DIR@/examples/installation/config/machine.config\".")
 zelk_output_test(zelk-config.json-without-list-or-values 2 COMMAND ${zc} -check -json
-  MATCH "^zelk-config: -json goes with -list or -values\n$")
+  MATCH "^zelk-config: -json goes with -list, -values or -readKey\n$")
 zelk_output_test(zelk-config.format-json 0 COMMAND ${zc} -list -format json ${example}
   MATCH "^.\n  {\n    \"id\": \"zbackup\",")
 zelk_output_test(zelk-config.format-not-taken 2 COMMAND ${zc} -show -spec zbackup -format json
-  MATCH "^zelk-config: -format json goes with -list or -values\n$")
+  MATCH "^zelk-config: -format json goes with -list, -values or -readKey\n$")
 
 # Schemas, checked with xmllint; bash completion, asked as bash asks it; export, read back.
 add_test(NAME zelk-config.schema

@@ -101,6 +101,13 @@ void readOptions(const ValueGroup& values, Options& options) {
     options.formatFlag = "-json";
   }
   options.exportFile = textGiven(values, "export");
+  options.etcd = textGiven(values, "cluster");
+  options.publish = flagGiven(values, "publish");
+  const Value revision = values.getValue("revision", nullptr, false);
+  if (!revision.isNull() && revision.hasValue()) {
+    options.revision = revision.asInt64();
+    if (*options.revision < 0) throw std::invalid_argument("-revision must not be negative");
+  }
   const Value width = values.getValue("width", nullptr, false);
   if (!width.isNull() && width.hasValue()) options.width = width.asUInt32();
   const Value maxFileSize = values.getValue("maxFileSize", nullptr, false);

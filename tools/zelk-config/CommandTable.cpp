@@ -27,6 +27,7 @@ const std::vector<Command>& commandTable() {
       {"help",       {},                     SpecificationUse::OPTIONAL, "",       {TEXT},       runHelp},
       {"show",       {},                     SpecificationUse::REQUIRED, "",       {TEXT},       runShow},
       {"values",     {},                     SpecificationUse::REQUIRED, "",       {TEXT, JSON}, runValues},
+      {"readKey",    {},                     SpecificationUse::NONE,     "",       {TEXT, JSON}, runReadKey},
       {"schema",     {"registry", "values"}, SpecificationUse::REQUIRED, "values", {TEXT},       runSchema},
       {"completion", {"bash"},               SpecificationUse::REQUIRED, "",       {TEXT},       runCompletion},
   };

@@ -12,6 +12,7 @@ int runUsage(const CommandContext& context);
 int runHelp(const CommandContext& context);
 int runShow(const CommandContext& context);
 int runValues(const CommandContext& context);
+int runReadKey(const CommandContext& context);
 int runSchema(const CommandContext& context);
 int runCompletion(const CommandContext& context);
 

@@ -111,6 +111,22 @@ public:
                                              const SourceTracker& sources) const override {
     return std::make_unique<JsonValuesSink>(out, sources);
   }
+
+  void writeKey(std::ostream& out, const KeyContent& content) const override {
+    JsonWriter json(out);
+    json.beginObject();
+    json.key("endpoint");
+    json.value(content.endpoint);
+    json.key("key");
+    json.value(content.key);
+    json.key("found");
+    json.value(content.found);
+    json.key("revision");
+    json.value(std::to_string(content.revision));
+    json.key("document");
+    json.value(content.document);
+    json.endObject();
+  }
 };
 
 }  // namespace

@@ -26,6 +26,16 @@ namespace zelk::configtool {
 class SourceTracker;
 class ValuesSink;
 
+// What an etcd key holds, as -readKey found it.
+struct KeyContent {
+  std::string endpoint;
+  std::string key;
+  bool found = false;
+  // The revision of the key's last change (0 when it does not exist).
+  long long revision = 0;
+  std::string document;
+};
+
 class OutputFormat {
 public:
   virtual ~OutputFormat() = default;
@@ -38,6 +48,9 @@ public:
   // -values: a sink for the walk over a specification's values, whose sources sources names.
   virtual std::unique_ptr<ValuesSink> makeValuesSink(std::ostream& out,
                                                      const SourceTracker& sources) const = 0;
+
+  // -readKey: the document an etcd key holds and its revision.
+  virtual void writeKey(std::ostream& out, const KeyContent& content) const = 0;
 };
 
 // The formats, one function each, defined in the format's own file.

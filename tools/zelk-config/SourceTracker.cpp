@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "zelk/configuration/ConfigurationManager.h"
+#include "zelk/configuration/EtcdValueProvider.h"
 #include "zelk/configuration/Specification.h"
 #include "zelk/configuration/ValueBase.h"
 #include "zelk/configuration/ValueProvider.h"
@@ -75,6 +76,15 @@ void SourceTracker::addSource(const ValueProvider& provider) {
     mNames.push_back(std::string("value file ") + file->getXmlFilePath());
     mLabels.push_back(baseName(file->getXmlFilePath()));
     mMachineNames.push_back(file->getXmlFilePath());
+  } else if (const auto* etcd = dynamic_cast<const EtcdValueProvider*>(&provider)) {
+    // Where the document came from: the endpoint (or the file it was kept in, when the cluster
+    // was away at start), the key and the revision.
+    const std::string from = etcd->isFromLastReceived() ? etcd->getSource().lastReceivedFile
+                                                        : std::string(etcd->getEndpoint());
+    const std::string revision = std::to_string(etcd->getRevision());
+    mNames.push_back("etcd " + from + " key " + etcd->getSource().key + " revision " + revision);
+    mLabels.push_back("etcd " + etcd->getSource().key + "@" + revision);
+    mMachineNames.push_back("etcd " + from + " " + etcd->getSource().key + " " + revision);
   } else if (name == ConfigurationManager::APPLICATION_PROVIDER_NAME) {
     mNames.push_back("application values");
     mLabels.push_back("application");

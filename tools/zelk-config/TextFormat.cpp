@@ -82,6 +82,16 @@ public:
                                              const SourceTracker& sources) const override {
     return std::make_unique<TextValuesSink>(out, sources);
   }
+
+  void writeKey(std::ostream& out, const KeyContent& content) const override {
+    out << "etcd key " << content.key << " at " << content.endpoint;
+    if (!content.found) {
+      out << ": no document\n";
+      return;
+    }
+    out << ", revision " << content.revision << ":\n" << content.document;
+    if (!content.document.empty() && content.document.back() != '\n') out << '\n';
+  }
 };
 
 }  // namespace

@@ -26,6 +26,7 @@
 #include "Output.h"
 #include "OutputFormat.h"
 #include "PlacedItems.h"
+#include "Publisher.h"
 #include "SourceTracker.h"
 #include "ValuesSink.h"
 #include "zelk/configuration/ConfigurationManager.h"
@@ -42,6 +43,7 @@
 #include "zelk/configuration/ValueFileWriter.h"
 #include "zelk/configuration/ValueGroup.h"
 #include "zelk/configuration/ValueIterator.h"
+#include "zelk/configuration/XmlFileValueProvider.h"
 #include "zelk/configuration/impl/ValueTypeTable.h"
 
 namespace zelk::configtool {
@@ -279,7 +281,15 @@ ValueGroup readValues(ConfigurationManager& manager, const Options& options) {
 }  // namespace
 
 int runValues(const CommandContext& context) {
-  const Options& options = context.options;
+  // A file to publish is checked on its own, without the machine file, the application's file or
+  // a tool's arguments, which the fleet does not share.
+  Options publishing = context.options;
+  if (publishing.publish) {
+    publishing.noMachineConfig = true;
+    publishing.applicationFile.reset();
+    publishing.toolArguments.clear();
+  }
+  const Options& options = publishing;
   if (loadInstallation(context.directories, options.maxFileSize) == nullptr) return EXIT_PROBLEMS;
   ConfigurationManager* manager = nullptr;
   try {
@@ -305,6 +315,13 @@ int runValues(const CommandContext& context) {
       printException(e);
       return EXIT_PROBLEMS;
     }
+  }
+
+  if (options.publish) {
+    const auto* file = dynamic_cast<const XmlFileValueProvider*>(
+        manager->getValueProvider(ConfigurationManager::XML_FILE_PROVIDER_NAME));
+    return file != nullptr ? publishValueFile(options, file->getXmlFilePath(), context.out)
+                           : EXIT_PROBLEMS;
   }
 
   const std::unique_ptr<ValuesSink> sink =

@@ -47,6 +47,16 @@ std::optional<int> checkCombination(const Options& options) {
     problem = options.formatFlag + " goes with " + commandsTakingFormat(options.format);
   } else if (options.exportFile && command.name != std::string("values")) {
     problem = "-export goes with -values";
+  } else if (options.publish && command.name != std::string("values")) {
+    problem = "-publish goes with -values";
+  } else if (options.revision && !options.publish) {
+    problem = "-revision goes with -publish";
+  } else if (options.publish && options.valueFiles.size() != 1) {
+    problem = "-publish needs exactly one -valueFile: the file it publishes";
+  } else if (!options.etcd && (options.publish || command.name == std::string("readKey"))) {
+    problem = given + (options.publish ? " -publish" : "") + " needs -cluster";
+  } else if (options.etcd && !options.publish && command.name != std::string("readKey")) {
+    problem = "-cluster goes with -readKey or -values -publish";
   }
   if (problem.empty()) return std::nullopt;
   printError(problem);
