@@ -1,14 +1,43 @@
 // ConfigurationException: the exception of the library's public API.
 //
-// Operational failures (a missing file, an unknown specification, a duplicate registry entry) are
-// thrown as ConfigurationException with a printf-style message; ValidationException, its subclass,
-// carries the list of input problems. Both derive from the host's exception base, so the host's
-// own error handling can catch and print them.
+// Error policy: what each kind of exception means and which calls throw it.
+//
+// - ValidationException (a ConfigurationException, get_kind() -701): the user's input is wrong,
+//   all of it listed in getErrors(), one message per problem. Thrown by getValueGroup and
+//   ValueProvider::getValues (values that do not convert, do not match the specification, or
+//   break its required, bounded or one-of rules), by typed reads of a text that does not convert,
+//   by the value model's writes (ValueGroup::addValue, Value::set ...) of such texts, and by
+//   registry loading for a missing required attribute. A call that takes an optional
+//   ValidationErrors* appends to the list when given one and throws instead when not.
+// - ConfigurationException (get_kind() -700): an operation could not be done: a missing,
+//   unreadable or malformed file, a registry entry that refers to something unknown or is defined
+//   twice, an unknown specification for getValueGroup, a typed read of the wrong type ("This
+//   value is not an uint32"), a write to a default value, an unsupported setArguments form. The
+//   message is the whole report.
+// - std::invalid_argument: bad arguments to the command-line provider, which enableConfiguration
+//   passes on: a null argument array, no specification id, or a specification id the manager does
+//   not know ("The "x" specification was not found"). It is the standard kind on purpose, as
+//   every command-line front end reports bad arguments; the string and UTF functions of
+//   zelk/util throw it too for text that is not valid UTF-8.
+// - zelk::ContractViolationException (a std::exception): a programming error of the caller, a
+//   broken precondition such as a null pointer or an empty name: "Contract violation: "<check>"".
+//   Never caused by user input; not meant to be caught except to report it.
+// - zelk::host::FormattedHostException: a regular expression that does not compile.
+//
+// The first two derive from the host's exception base, so the host's own error handling can
+// catch and print them. A tool that reports everything it can meet catches ValidationException
+// (to list the problems), then ConfigurationException, then std::exception:
 //
 //   try {
-//     manager->getValueGroup("backup", true, 0);
-//   } catch (const zelk::configuration::ConfigurationException& e) {
-//     std::cerr << e.what() << '\n';   // get_kind() is -700 (-701 for a ValidationException)
+//     manager->enableConfiguration(true, nullptr, argc, argv, "backup");
+//     values = manager->getValueGroup("backup", true, 0);
+//   } catch (const ValidationException& e) {          // every problem of the user's input
+//     for (size_t i = 0; i < e.getErrors().getNumberOfErrors(); ++i)
+//       std::cerr << e.getErrors().getError(i) << '\n';
+//   } catch (const ConfigurationException& e) {       // a missing file, a broken registry ...
+//     std::cerr << e.what() << '\n';
+//   } catch (const std::exception& e) {               // an unknown specification id ...
+//     std::cerr << e.what() << '\n';
 //   }
 #pragma once
 
