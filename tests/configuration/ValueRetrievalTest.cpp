@@ -7,6 +7,7 @@
 #include <fstream>
 #include <memory>
 #include <sstream>
+#include <stdexcept>
 
 #include "configuration/Models.h"
 #include "support/TempDir.h"
@@ -536,8 +537,9 @@ TEST_F(CommandLineValueProviderTest, WordsAreReadOneByOne) {
 
 TEST_F(CommandLineValueProviderTest, ArgumentsAreCheckedBeforeParsing) {
   const char* programOnly[] = {"tool"};
+  // The standard invalid-argument kind, not a ConfigurationException.
   auto invalid = [&](int argc, const char* const* argv, const char* id) {
-    return messageOf([&] { mProvider.enableProvider(argc, argv, id, 0); });
+    return messageOf<std::invalid_argument>([&] { mProvider.enableProvider(argc, argv, id, 0); });
   };
   EXPECT_EQ("<no exception>", invalid(0, nullptr, nullptr));  // argc is tested first
   EXPECT_EQ("Must provide an argument array", invalid(1, nullptr, "archive"));
