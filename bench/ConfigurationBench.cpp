@@ -5,7 +5,8 @@
 //   W1parse  the same with the declaration outside the timed part
 //   W2       W1parse with every flag shortened to its shortest unique prefix (>= 3 characters)
 //   W3       P entries of a value file read, matched, merged and read back (peers: INI in memory)
-//   W4       one typed read of an int32 in a group of 200, by name and through a held value
+//   W4       one typed read of an int32 in a group of 200, by name and through a held value;
+//            W4cachedGroup: one getValueGroup of a specification of 200 whose tree is cached
 //   W5       start-up over 20 registry files (2000 parameters, 50 specifications) against reading
 //            and tokenizing the same files
 //   W6       re-reading a command line in a running process: a command-line provider registered
@@ -269,6 +270,28 @@ void Ours_W4held(benchmark::State& state) {
   int64_t checksum = 0;
   for (auto _ : state) {
     checksum += held.asInt32();
+  }
+  benchmark::DoNotOptimize(checksum);
+  state.counters["checksum"] = static_cast<double>(checksum);
+}
+
+// Calls of getValueGroup per --once run of W4cached, so that the count per call is exact.
+const int W4_CACHED_CALLS = 100000;
+
+// The specification of 200 parameters with its tree in the manager's cache.
+const char* cachedSpecification() {
+  const Workload& w = workload(200, 200);
+  const zc::Specification& spec = ensureLoaded(w);
+  manager().getValueGroup(spec.getId(), false, 0);
+  return spec.getId();
+}
+
+void Ours_W4cachedGroup(benchmark::State& state) {
+  const char* id = cachedSpecification();
+  zc::ConfigurationManager& m = manager();
+  int64_t checksum = 0;
+  for (auto _ : state) {
+    checksum += static_cast<int64_t>(m.getValueGroup(id, false, 0).getItemCount());
   }
   benchmark::DoNotOptimize(checksum);
   state.counters["checksum"] = static_cast<double>(checksum);
@@ -904,6 +927,13 @@ extern "C" __attribute__((noinline)) double measuredRun(const std::string& who,
     if (what.compare(0, 2, "W6") == 0) {
       return gReread->run();
     }
+    if (what == "W4cached") {
+      double checksum = 0;
+      for (int i = 0; i < W4_CACHED_CALLS; ++i) {
+        checksum += static_cast<double>(m.getValueGroup(spec.getId(), false, 0).getItemCount());
+      }
+      return checksum;
+    }
     if (what == "W3") {
       const std::string path = installation().root() + "/" + specIdFor(w.parameters()) + ".xml";
       zc::XmlFileValueProvider file(3, "");
@@ -976,6 +1006,8 @@ int onceRun(const std::string& spec) {
   } else if (who == "ours") {
     if (what == "W1full") {
       registryFileFor(w);
+    } else if (what == "W4cached") {
+      cachedSpecification();
     } else {
       ensureLoaded(w);
     }
@@ -996,6 +1028,7 @@ BENCHMARK(Ours_W2prefixes)->Apply(sized);
 BENCHMARK(Ours_W3valueFile)->Apply(sizedFiles);
 BENCHMARK(Ours_W4byName);
 BENCHMARK(Ours_W4held);
+BENCHMARK(Ours_W4cachedGroup);
 BENCHMARK(Ours_W5startup)->Unit(benchmark::kMicrosecond);
 BENCHMARK(Floor_W5startup)->Unit(benchmark::kMicrosecond);
 BENCHMARK_TEMPLATE(Ours_W6reread, Reread::CLI)->Name("Ours_W6reread")->Apply(sized);

@@ -12,6 +12,7 @@
 #include <thread>
 
 #include "configuration/Models.h"
+#include "support/Threads.h"
 #include "zelk/configuration/ConfigurationListener.h"
 #include "zelk/configuration/ValueGroupIterator.h"
 #include "zelk/configuration/ValueIterator.h"
@@ -24,6 +25,8 @@
 
 namespace zelk::configuration {
 namespace {
+
+using zelk::test::runTogether;
 
 const int ITERATIONS = 1500;
 
@@ -57,34 +60,6 @@ class ValueConcurrencyTest : public ::testing::Test {
 protected:
   ValueConcurrencyTest() { impl::ListenerManager::getInstance()->reset(); }
   ~ValueConcurrencyTest() override { impl::ListenerManager::getInstance()->reset(); }
-
-  // Runs every task on its own thread, all released at once; returns the first failure text.
-  std::string runTogether(const std::vector<std::function<void()>>& tasks) {
-    std::atomic<bool> go(false);
-    std::mutex failureMutex;
-    std::string failure;
-    std::vector<std::thread> threads;
-    for (const std::function<void()>& task : tasks) {
-      threads.emplace_back([&, task] {
-        while (!go.load()) {
-          std::this_thread::yield();
-        }
-        try {
-          task();
-        } catch (const std::exception& e) {
-          std::lock_guard<std::mutex> lock(failureMutex);
-          if (failure.empty()) {
-            failure = e.what() != 0 ? e.what() : "exception";
-          }
-        }
-      });
-    }
-    go.store(true);
-    for (std::thread& thread : threads) {
-      thread.join();
-    }
-    return failure;
-  }
 
   zelk::test::ValueTestModel model;
 };

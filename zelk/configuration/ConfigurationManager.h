@@ -12,7 +12,9 @@
 //
 // Look-ups return null for an unknown name and throw ConfigurationException
 // "Duplicate <kind> "<name>"" when a name was registered twice. The registries take no locks:
-// configure on one thread before reading values from several.
+// configure on one thread before reading values from several. Once set up, getValueGroup,
+// composeUsageMessage and composeHelpMessage may be called from several threads at once;
+// registering, enabling, resetting and setApplicationValues must not run beside them.
 #pragma once
 
 #include <cstddef>
@@ -134,7 +136,10 @@ public:
   void setMaxFileSize(std::size_t bytes);
   std::size_t getMaxFileSize() const;
 
-  // The merged, validated and completed values of the specification, cached per id.
+  // The merged, validated and completed values of the specification, cached per id. Safe to
+  // call from several threads once the manager is set up: a cached tree is handed out under a
+  // short shared lock; threads that ask for an id not cached yet may each compute it, and all get
+  // the tree stored first.
   ValueGroup getValueGroup(const char* specificationId, bool required, int flags) const;
   // Installs the application's own values (they take precedence over every other provider). The
   // group installed before is let go unchanged.
@@ -145,7 +150,8 @@ public:
                       ValidationErrors* errors) const;
 
   // Usage and help text of the specification through the named provider ("CLI" when providerName
-  // is null or empty). The pointer is valid until the next call of the same operation.
+  // is null or empty). The pointer is valid until the next call of the same operation on the
+  // same thread: each thread has its own buffer, so several threads may compose at once.
   const char* composeUsageMessage(const char* specificationId,
                                   const char* providerName = 0) const;
   const char* composeHelpMessage(const char* specificationId, unsigned long screenWidth,

@@ -560,21 +560,48 @@ boost::shared_ptr<ValueGroupState> ConfigurationManagerImpl::getCachedValues(
   }
   // Neither the flags nor required are part of the key: a later call with others gets the values
   // computed first, and a cached null stays null.
-  ValueCache::const_iterator cached = mValueCache.find(specificationId);
-  if (cached != mValueCache.end()) {
-    return cached->second;
-  }
-  ValueGroup values = getValues(*specification, flags);
-  if (values.isNull()) {
-    if (required) {
-      throw ConfigurationException("The \"%s\" group was not found", specificationId);
+  {
+    std::shared_lock<std::shared_mutex> lock(mValueCacheMutex);
+    ValueCache::const_iterator cached = mValueCache.find(specificationId);
+    if (cached != mValueCache.end()) {
+      return cached->second;
     }
-    values = ValueGroup(specification);
   }
-  values.complete();
-  boost::shared_ptr<ValueGroupState> state = ValueAccess::peekState(values);
-  mValueCache.insert(ValueCache::value_type(specificationId, state));
-  return state;
+  boost::shared_ptr<ValueGroupState> state;
+  {
+    std::lock_guard<std::recursive_mutex> compute(mComputeMutex);
+    ValueGroup values = getValues(*specification, flags);
+    if (values.isNull()) {
+      if (required) {
+        throw ConfigurationException("The \"%s\" group was not found", specificationId);
+      }
+      values = ValueGroup(specification);
+    }
+    values.complete();
+    state = ValueAccess::peekState(values);
+  }
+  // The first tree stored wins: a caller that computed beside another gets the stored one.
+  std::unique_lock<std::shared_mutex> lock(mValueCacheMutex);
+  return mValueCache.insert(ValueCache::value_type(specificationId, state)).first->second;
+}
+
+boost::shared_ptr<ValueGroupState> ConfigurationManagerImpl::exchangeCachedValues(
+    const char* specificationId, const boost::shared_ptr<ValueGroupState>& values) {
+  ZELK_CONTRACT(specificationId != 0 && *specificationId != '\0');
+  boost::shared_ptr<ValueGroupState> previous;
+  std::unique_lock<std::shared_mutex> lock(mValueCacheMutex);
+  const ValueCache::iterator entry = mValueCache.find(specificationId);
+  if (entry != mValueCache.end()) {
+    previous.swap(entry->second);
+    if (values) {
+      entry->second = values;
+    } else {
+      mValueCache.erase(entry);
+    }
+  } else if (values) {
+    mValueCache.insert(ValueCache::value_type(specificationId, values));
+  }
+  return previous;
 }
 
 ValueGroup ConfigurationManagerImpl::getValues(const Specification& specification,
@@ -582,6 +609,7 @@ ValueGroup ConfigurationManagerImpl::getValues(const Specification& specificatio
   // Each provider skips the required and one-of checks: only the merged tree can be judged on
   // those.
   const int PROVIDER_FLAGS = 0x14;
+  std::lock_guard<std::recursive_mutex> compute(mComputeMutex);
   ValueGroup result(&specification);
   // Registry key order: "APP_VALUES", then "CLI", then the "XML_FILE"s in registration order, so
   // that the first answer for a bounded value wins in that order.
@@ -605,7 +633,17 @@ ValueGroup ConfigurationManagerImpl::getValues(const Specification& specificatio
   return result;
 }
 
-void ConfigurationManagerImpl::clearValueCache() { mValueCache.clear(); }
+std::unique_lock<std::recursive_mutex> ConfigurationManagerImpl::lockProviders() const {
+  return std::unique_lock<std::recursive_mutex>(mComputeMutex);
+}
+
+void ConfigurationManagerImpl::clearValueCache() {
+  ValueCache dropped;
+  {
+    std::unique_lock<std::shared_mutex> lock(mValueCacheMutex);
+    dropped.swap(mValueCache);
+  }
+}
 
 void ConfigurationManagerImpl::setApplicationValues(const ValueGroup& values, int flags) {
   ValueProvider* provider = getValueProvider(ConfigurationManager::APPLICATION_PROVIDER_NAME);
@@ -638,6 +676,16 @@ void ConfigurationManagerImpl::validateValues(const Specification& specification
 
 // Help, usage and representations.
 
+namespace {
+
+// The calling thread's buffer in texts; the caller holds the lock that guards texts. Map nodes
+// do not move, so a text handed out stays where it is while other threads add theirs.
+std::string& bufferOfThisThread(ConfigurationManagerImpl::ThreadTexts& texts) {
+  return texts[std::this_thread::get_id()];
+}
+
+}  // namespace
+
 const char* ConfigurationManagerImpl::composeUsageMessage(const char* specificationId,
                                                           const char* providerName) const {
   ZELK_CONTRACT(providerName != 0 && *providerName != '\0');
@@ -645,16 +693,18 @@ const char* ConfigurationManagerImpl::composeUsageMessage(const char* specificat
   // A missing specification is not an error here.
   const Specification* specification = getSpecification(specificationId);
   const ValueProvider* provider = getValueProvider(providerName);
-  mUsageMessage.clear();
+  std::lock_guard<std::mutex> lock(mTextMutex);
+  std::string& text = bufferOfThisThread(mUsageMessages);
+  text.clear();
   if (specification == 0) {
     // Nothing to describe: the text stays empty.
   } else if (provider != 0) {
-    mUsageMessage = provider->composeUsageMessage(*specification);
+    text = provider->composeUsageMessage(*specification);
   } else {
     CommandLineValueProvider temporary(1, "");
-    mUsageMessage = temporary.composeUsageMessage(*specification);
+    text = temporary.composeUsageMessage(*specification);
   }
-  return mUsageMessage.c_str();
+  return text.c_str();
 }
 
 const char* ConfigurationManagerImpl::composeHelpMessage(const char* specificationId,
@@ -666,18 +716,18 @@ const char* ConfigurationManagerImpl::composeHelpMessage(const char* specificati
   // A missing specification is not an error here.
   const Specification* specification = getSpecification(specificationId);
   const ValueProvider* provider = getValueProvider(providerName);
-  mHelpMessage.clear();
+  std::lock_guard<std::mutex> lock(mTextMutex);
+  std::string& text = bufferOfThisThread(mHelpMessages);
+  text.clear();
   if (specification == 0) {
     // Nothing to describe: the text stays empty.
   } else if (provider != 0) {
-    mHelpMessage =
-        provider->composeHelpMessage(*specification, screenWidth, maxParameterNameWidth);
+    text = provider->composeHelpMessage(*specification, screenWidth, maxParameterNameWidth);
   } else {
     CommandLineValueProvider temporary(1, "");
-    mHelpMessage =
-        temporary.composeHelpMessage(*specification, screenWidth, maxParameterNameWidth);
+    text = temporary.composeHelpMessage(*specification, screenWidth, maxParameterNameWidth);
   }
-  return mHelpMessage.c_str();
+  return text.c_str();
 }
 
 const char* ConfigurationManagerImpl::getRepresentation(const ValueGroupItem& item) {

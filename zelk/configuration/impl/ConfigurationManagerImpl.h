@@ -6,7 +6,10 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <mutex>
+#include <shared_mutex>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <boost/intrusive_ptr.hpp>
@@ -43,6 +46,8 @@ public:
   // Specification id -> completed values; ids that differ only in case share an entry.
   typedef std::map<std::string, boost::shared_ptr<ValueGroupState>, zelk::CaseInsensitiveLess>
       ValueCache;
+  // One text buffer per calling thread (see composeHelpMessage).
+  typedef std::map<std::thread::id, std::string> ThreadTexts;
 
   explicit ConfigurationManagerImpl(ConfigurationManager* self);
   // clearCaches(), then the maps are released.
@@ -110,17 +115,46 @@ public:
   // values handed out are still bound to them; then they go with the last of those.
   void clearCaches();
 
-  // Value retrieval.
+  // Value retrieval. Once the registries and providers are set up, getValueGroup,
+  // getCachedValues, exchangeCachedValues and the two compose operations may be called from
+  // several threads at once; everything else (registering, enabling, resetting, clearing the
+  // cache) must not run beside them.
+  //
+  // The cache has its own reader/writer lock, held only to look an id up or to store a tree: a
+  // cached tree is handed out under the shared lock alone. A tree that is not cached yet is
+  // computed under a separate lock that serialises the calls into the providers (they keep
+  // parsed state of their own), never under the cache lock, so readers of cached ids do not wait
+  // for it. Concurrent first calls for the same id may each compute a tree; the first one stored
+  // wins and every caller gets that one.
   ValueGroup getValueGroup(const char* specificationId, bool required, int flags) const;
   boost::shared_ptr<ValueGroupState> getCachedValues(const char* specificationId, bool required,
                                                      int flags) const;
+  // Asks the enabled providers and merges their answers (serialised with the other calls into
+  // the providers); not cached.
   ValueGroup getValues(const Specification& specification, int flags) const;
+  // Replaces the cached tree of specificationId with values in one step and returns the tree
+  // cached before (null when there was none); a null values removes the entry. Readers get
+  // either the old tree or the new one, whole; trees handed out earlier are not changed. The old
+  // tree is released by the caller, outside the cache lock. Contract: specificationId is neither
+  // null nor empty.
+  boost::shared_ptr<ValueGroupState> exchangeCachedValues(
+      const char* specificationId, const boost::shared_ptr<ValueGroupState>& values);
+  // Empties the cache; the trees are released after the cache lock is let go.
   void clearValueCache();
+  // Holds the lock under which trees are computed from the providers, so that a caller that
+  // replaces providers while readers may be computing trees does so between two computations.
+  // Recursive: getValues and getCachedValues may be called while it is held. Take it before the
+  // cache lock (that is, before exchangeCachedValues), never after.
+  std::unique_lock<std::recursive_mutex> lockProviders() const;
   void setApplicationValues(const ValueGroup& values, int flags);
   void validateValues(const Specification& specification, ValueGroup& values,
                       ValidationErrors* errors) const;
 
-  // Contracts: providerName and specificationId are neither null nor empty.
+  // Contracts: providerName and specificationId are neither null nor empty. The text is kept in
+  // a buffer of the calling thread, valid until the same thread calls the same operation of this
+  // manager again: several threads may compose at once without overwriting each other's text.
+  // The texts are composed one at a time (providers keep their last text in a buffer of their
+  // own). A thread's buffer lives as long as the manager.
   const char* composeUsageMessage(const char* specificationId, const char* providerName) const;
   const char* composeHelpMessage(const char* specificationId, unsigned long screenWidth,
                                  unsigned long maxParameterNameWidth,
@@ -163,9 +197,17 @@ private:
   std::size_t mMaxFileSize;
   // Lists the validator plug-ins; placed in memory from the host's allocator.
   zelk::host::ExtensionPoint* mValidatorExtensionPoint;
+  // Guards mValueCache only; std::shared_mutex because a reader takes it on every
+  // getValueGroup, and its shared lock is one atomic operation each way.
+  mutable std::shared_mutex mValueCacheMutex;
   mutable ValueCache mValueCache;
-  mutable std::string mHelpMessage;
-  mutable std::string mUsageMessage;
+  // Serialises the calls into the providers that compute trees (recursive: a provider or
+  // validator may ask this manager for values of another specification).
+  mutable std::recursive_mutex mComputeMutex;
+  // Guards the two buffers below and the composing of their texts.
+  mutable std::mutex mTextMutex;
+  mutable ThreadTexts mHelpMessages;
+  mutable ThreadTexts mUsageMessages;
 };
 
 }  // namespace zelk::configuration::impl
