@@ -207,6 +207,14 @@ TEST_F(ConfigurationRegistryLoaderTest, AcceptsSchemaVersionsUpToTheCurrentOne) 
   EXPECT_EQ("Unsupported CRG schema version 1.2. Current version: 1.1.",
             failure(registry("", "1.2"), &validation));
   EXPECT_FALSE(validation);
+  try {
+    load(registry("", "2.0"));
+  } catch (const ConfigurationException& e) {
+    EXPECT_EQ(2u, e.getPosition().line);
+    EXPECT_EQ(1u, e.getPosition().column);
+    EXPECT_EQ("ConfigurationRegistry", e.getPosition().element);
+    EXPECT_EQ("crgSchemaVersion", e.getPosition().attribute);
+  }
 }
 
 TEST(VersionTest, ParsesAndComparesMajorThenMinor) {
@@ -215,47 +223,83 @@ TEST(VersionTest, ParsesAndComparesMajorThenMinor) {
   EXPECT_LT(Version(4294967295u, 0).compareTo(Version(1, 1)), 0);
 }
 
-TEST_F(ConfigurationRegistryLoaderTest, RejectsBadContentWithItsMessage) {
+// Each error keeps its message and carries its place as data: the file, the line and column of
+// the element, its name and the attribute concerned.
+TEST_F(ConfigurationRegistryLoaderTest, RejectsBadContentWithItsMessageAndPosition) {
   load(registry(MODE_AND_LEVEL));
   struct Case {
     const char* body;
     const char* message;
     bool validation;  // a ValidationException rather than a plain ConfigurationException
+    const char* at;   // where the element starts in body
+    const char* element;
+    const char* attribute;
   } cases[] = {
       {"<Enumerations><Enumeration id=\"mode\"/></Enumerations>",
-       "The \"mode\" enumeration has already been defined", false},
+       "The \"mode\" enumeration has already been defined", false, "<Enumeration id", "Enumeration",
+       "id"},
       {"<Enumerations><Enumeration id=\"n\"><Value label=\"a\" value=\"1x\"/></Enumeration>"
        "</Enumerations>",
-       "\"1x\" is not a valid integer value", false},
+       "\"1x\" is not a valid integer value", false, "<Value", "Value", "value"},
       {"<Parameters><Parameter id=\"v\" type=\"string\" description=\"V\" validator=\"no\"/>"
        "</Parameters>",
-       "The \"no\" validator was not found", false},
+       "The \"no\" validator was not found", false, "<Parameter ", "Parameter", "validator"},
       {"<Parameters><Parameter id=\"t\" type=\"Int\" description=\"T\"/></Parameters>",
-       "\"Int\" is not a recognized type", false},
+       "\"Int\" is not a recognized type", false, "<Parameter ", "Parameter", "type"},
       {"<Parameters><Parameter id=\"c\" type=\"enum\" enumType=\"colour\" description=\"C\"/>"
        "</Parameters>",
-       "The \"colour\" enumeration was not found", false},
+       "The \"colour\" enumeration was not found", false, "<Parameter ", "Parameter", "enumType"},
+      {"<Parameters>\n  <Parameter id=\"d\" type=\"uint32\" description=\"D\" default=\"-1\"/>"
+       "</Parameters>",
+       "\"-1\" is not a valid UInt32", true, "<Parameter ", "Parameter", "default"},
       {"<Specifications><Specification id=\"s\" description=\"S\"><GroupRef id=\"g\"/>"
        "</Specification></Specifications>",
-       "Group \"g\" was not found", false},
+       "Group \"g\" was not found", false, "<GroupRef", "GroupRef", "id"},
       // A group is not visible to its own items.
       {"<Groups><Group id=\"self\"><ParameterRef id=\"level\"/><GroupRef id=\"self\"/></Group>"
        "</Groups>",
-       "Group \"self\" was not found", false},
+       "Group \"self\" was not found", false, "<GroupRef", "GroupRef", "id"},
+      {"<Specifications><Specification id=\"s1\" description=\"S\">\n"
+       "  <OneOf><ParameterRef id=\"nosuch\"/></OneOf></Specification></Specifications>",
+       "Parameter \"nosuch\" was not found", false, "<ParameterRef", "ParameterRef", "id"},
       {"<Enumerations><Enumeration><Value label=\"a\"/></Enumeration></Enumerations>",
-       "missing attribute: id", true},
+       "missing attribute: id", true, "<Enumeration>", "Enumeration", "id"},
       {"<Enumerations><Enumeration id=\"v\"><Value value=\"1\"/></Enumeration></Enumerations>",
-       "missing attribute: label", true},
+       "missing attribute: label", true, "<Value", "Value", "label"},
       {"<Parameters><Parameter id=\"p\" type=\"int\" description=\"\"/></Parameters>",
-       "missing attribute: description", true},
+       "missing attribute: description", true, "<Parameter ", "Parameter", "description"},
       {"<Specifications><Specification id=\"s2\" description=\"S\">"
        "<Container id=\"c\"></Container></Specification></Specifications>",
-       "missing attribute: description", true},
+       "missing attribute: description", true, "<Container", "Container", "description"},
   };
   for (const Case& c : cases) {
-    bool validation = !c.validation;
-    EXPECT_EQ(c.message, failure(registry(c.body), &validation)) << c.body;
-    EXPECT_EQ(c.validation, validation) << c.body;
+    const std::string body = c.body;
+    // The body starts on line 3 of the file.
+    const std::size_t at = body.find(c.at);
+    const std::size_t lineStart = body.rfind('\n', at);
+    const unsigned int line = 3 + static_cast<unsigned int>(
+                                      std::count(body.begin(), body.begin() + at, '\n'));
+    const unsigned int column =
+        static_cast<unsigned int>(lineStart == std::string::npos ? at + 1 : at - lineStart);
+    try {
+      load(registry(body));
+      ADD_FAILURE() << "loaded: " << body;
+    } catch (const ConfigurationException& e) {
+      EXPECT_EQ(c.message, std::string(e.what())) << body;
+      const auto* validation = dynamic_cast<const ValidationException*>(&e);
+      EXPECT_EQ(c.validation, validation != nullptr) << body;
+      const SourcePosition& where = e.getPosition();
+      EXPECT_EQ(mDir.file("test.crg"), where.file) << body;
+      EXPECT_EQ(line, where.line) << body;
+      EXPECT_EQ(column, where.column) << body;
+      EXPECT_EQ(c.element, where.element) << body;
+      EXPECT_EQ(c.attribute, where.attribute) << body;
+      if (validation != nullptr && std::string(c.message).rfind("missing", 0) == 0) {
+        // The loader's own errors are placed one by one in the list as well.
+        EXPECT_EQ(line, validation->getErrors().getPosition(0).line) << body;
+        EXPECT_EQ(c.attribute, validation->getErrors().getPosition(0).attribute) << body;
+      }
+    }
   }
 }
 
@@ -268,6 +312,18 @@ TEST_F(ConfigurationRegistryLoaderTest, MalformedFilesReportWhereTheyGoWrong) {
                        "</Parameters>"),
               &validation));
   EXPECT_TRUE(validation);
+  try {
+    load(registry("<Parameters>\n<Parameter id=\"p\" type=\"int\" description=\"P\" bogus=\"1\"/>"
+                  "</Parameters>"));
+  } catch (const ValidationException& e) {
+    // A syntax error stands where the reader stopped, in the element being read.
+    const SourcePosition& where = e.getErrors().getPosition(0);
+    EXPECT_EQ(4u, where.line);
+    EXPECT_EQ(46u, where.column);
+    EXPECT_EQ("Parameter", where.element);
+    EXPECT_EQ("", where.attribute);
+    EXPECT_EQ(4u, e.getPosition().line);
+  }
   // Sections out of order: the Parameters section is not where the end tag is expected.
   EXPECT_NE(std::string::npos,
             failure(registry("<Groups/><Parameters/>"))
@@ -297,6 +353,8 @@ TEST_F(ConfigurationRegistryLoaderTest, MalformedFilesReportWhereTheyGoWrong) {
   } catch (const ConfigurationException& e) {
     EXPECT_EQ("File \"" + missing + "\" was not found", e.what());
     EXPECT_EQ(-700, e.get_kind());
+    EXPECT_EQ(missing, e.getPosition().file);
+    EXPECT_FALSE(e.getPosition().isKnown());
   }
 }
 

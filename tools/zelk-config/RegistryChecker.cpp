@@ -13,6 +13,7 @@
 #include "Output.h"
 #include "ShellText.h"
 #include "zelk/configuration/ConfigurationManager.h"
+#include "zelk/configuration/ConfigurationException.h"
 #include "zelk/configuration/ConfigurationRegistryLoader.h"
 #include "zelk/configuration/Container.h"
 #include "zelk/configuration/GlobalItem.h"
@@ -22,7 +23,9 @@
 #include "zelk/configuration/OneOf.h"
 #include "zelk/configuration/Parameter.h"
 #include "zelk/configuration/ParameterRef.h"
+#include "zelk/configuration/SourcePosition.h"
 #include "zelk/configuration/Specification.h"
+#include "zelk/configuration/ValidationErrors.h"
 #include "zelk/configuration/ValidationException.h"
 #include "zelk/configuration/Validator.h"
 #include "zelk/configuration/Value.h"
@@ -34,65 +37,6 @@ namespace zelk::configtool {
 using namespace zelk::configuration;
 
 namespace {
-
-// Loader messages that name the offending text between fixed words, and the element and
-// attribute that carry that text in the file.
-struct MessagePattern {
-  const char* before;
-  const char* after;
-  const char* element;
-  const char* attribute;
-};
-
-const MessagePattern MESSAGE_PATTERNS[] = {
-    {"Parameter \"", "\" was not found", "ParameterRef", "id"},
-    {"Group \"", "\" was not found", "GroupRef", "id"},
-    {"The \"", "\" validator was not found", "Parameter", "validator"},
-    {"\"", "\" is not a recognized type", "Parameter", "type"},
-    {"The \"", "\" enumeration was not found", "Parameter", "enumType"},
-    {"The \"", "\" enumeration has already been defined", "Enumeration", "id"},
-    {"\"", "\" is not a valid integer value", "Value", "value"},
-    {"\"", "\" is not a parameter", "ParameterRef", "id"},
-    {"\"", "\" is not a group", "GroupRef", "id"},
-    {"Duplicate item \"", "\"", "ParameterRef", "id"},
-    {"Duplicate item \"", "\"", "GroupRef", "id"},
-    {"Duplicate validator \"", "\"", "Parameter", "validator"},
-    {"Duplicate enumeration definition \"", "\"", "Parameter", "enumType"},
-};
-
-bool between(const std::string& text, const char* before, const char* after, std::string& inner) {
-  const std::size_t b = std::strlen(before);
-  const std::size_t a = std::strlen(after);
-  if (text.size() < b + a || text.compare(0, b, before) != 0 ||
-      text.compare(text.size() - a, a, after) != 0) {
-    return false;
-  }
-  inner = text.substr(b, text.size() - a - b);
-  return true;
-}
-
-// " at line L, column C" in the reader's and the loader's syntax messages.
-bool positionIn(const std::string& text, unsigned int& line, unsigned int& column) {
-  const std::string::size_type at = text.find(" at line ");
-  if (at == std::string::npos) return false;
-  unsigned long l = 0;
-  unsigned long c = 0;
-  char rest = 0;
-  if (std::sscanf(text.c_str() + at, " at line %lu, column %lu%c", &l, &c, &rest) < 2) {
-    return false;
-  }
-  line = static_cast<unsigned int>(l);
-  column = static_cast<unsigned int>(c);
-  return true;
-}
-
-std::string firstQuoted(const std::string& text) {
-  const std::string::size_type open = text.find('"');
-  if (open == std::string::npos) return std::string();
-  const std::string::size_type close = text.find('"', open + 1);
-  if (close == std::string::npos) return std::string();
-  return text.substr(open + 1, close - open - 1);
-}
 
 std::string oneLine(std::string text) {
   std::replace(text.begin(), text.end(), '\n', ' ');
@@ -220,49 +164,23 @@ void RegistryChecker::loadFile(std::size_t file, ConfigurationManager& manager) 
   try {
     ConfigurationRegistryLoader::loadFile(mIndex.getPath(file).c_str(), &manager, 0);
   } catch (const std::exception& e) {
+    // The loader places its errors: each error of a ValidationException where it has a position
+    // of its own, else where the exception stands.
+    mLoadFailed = true;
+    const auto* configuration = dynamic_cast<const ConfigurationException*>(&e);
+    const SourcePosition position =
+        configuration != nullptr ? configuration->getPosition() : SourcePosition();
     const auto* validation = dynamic_cast<const ValidationException*>(&e);
     if (validation != nullptr && validation->getErrors().getNumberOfErrors() > 0) {
-      for (std::size_t i = 0; i < validation->getErrors().getNumberOfErrors(); ++i) {
-        reportLoadError(file, validation->getErrors().getError(i));
+      const ValidationErrors& errors = validation->getErrors();
+      for (std::size_t i = 0; i < errors.getNumberOfErrors(); ++i) {
+        const SourcePosition& own = errors.getPosition(i);
+        add(file, own.isKnown() ? own : position, errors.getError(i));
       }
     } else {
-      reportLoadError(file, describeException(e));
+      add(file, position, describeException(e));
     }
   }
-}
-
-void RegistryChecker::reportLoadError(std::size_t file, const std::string& message) {
-  mLoadFailed = true;
-  const std::string text = oneLine(message);
-  unsigned int line = 0;
-  unsigned int column = 0;
-  if (positionIn(text, line, column)) {
-    add(file, line, column, text);
-    return;
-  }
-  const ElementRecord* where = nullptr;
-  std::string inner;
-  for (const MessagePattern& pattern : MESSAGE_PATTERNS) {
-    if (between(text, pattern.before, pattern.after, inner)) {
-      where = mIndex.findByAttribute(file, pattern.element, pattern.attribute, inner);
-      if (where != nullptr) break;
-    }
-  }
-  if (where == nullptr && text.rfind("Unsupported CRG schema version", 0) == 0) {
-    where = mIndex.findRoot(file);
-  }
-  if (where == nullptr && between(text, "missing attribute: ", "", inner)) {
-    where = mIndex.findMissingAttribute(file, inner);
-  }
-  if (where == nullptr) {
-    // Conversion messages quote the text that failed: a default that does not convert to the
-    // parameter's type or is not a symbol of its enumeration.
-    const std::string quoted = firstQuoted(text);
-    if (!quoted.empty()) {
-      where = mIndex.findByAttribute(file, "", "default", quoted);
-    }
-  }
-  add(where, file, text);
 }
 
 void RegistryChecker::checkFiles() {
@@ -388,6 +306,11 @@ void RegistryChecker::add(const ElementRecord* where, std::size_t file,
   } else {
     add(file, 0, 0, message);
   }
+}
+
+void RegistryChecker::add(std::size_t file, const SourcePosition& position,
+                          const std::string& message) {
+  add(file, position.line, position.column, message);
 }
 
 void RegistryChecker::add(std::size_t file, unsigned int line, unsigned int column,

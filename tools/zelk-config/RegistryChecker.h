@@ -1,6 +1,6 @@
 // RegistryChecker: loads registry files into a configuration manager of its own and reports
 // every problem, each at its file, line and column where it has one:
-//   - what the loader rejects, with the library's own message;
+//   - what the loader rejects, with the library's own message, at the place the loader gives;
 //   - what loads but fails later, when a tool reads its values: one-ofs and logical groups with
 //     fewer than two children, required logical groups without a required member, defaults that
 //     a parameter's validator rejects, names declared twice;
@@ -23,7 +23,8 @@
 
 namespace zelk::configuration {
 class ConfigurationManager;
-}
+struct SourcePosition;
+}  // namespace zelk::configuration
 
 namespace zelk::configtool {
 
@@ -56,10 +57,11 @@ public:
 
 private:
   void loadFile(std::size_t file, configuration::ConfigurationManager& manager);
-  void reportLoadError(std::size_t file, const std::string& message);
   void checkFiles();
   void checkModel(configuration::ConfigurationManager& manager);
   void add(const ElementRecord* where, std::size_t file, const std::string& message);
+  void add(std::size_t file, const configuration::SourcePosition& position,
+           const std::string& message);
   void add(std::size_t file, unsigned int line, unsigned int column, const std::string& message);
 
   RegistryIndex mIndex;

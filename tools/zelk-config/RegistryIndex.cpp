@@ -40,23 +40,6 @@ std::string localName(const char* name) {
   return colon != nullptr ? std::string(colon + 1) : std::string(name);
 }
 
-// The attributes that the loader requires of each element.
-bool requiresAttribute(const ElementRecord& record, const std::string& attribute) {
-  const std::string& e = record.element;
-  if (attribute == "id") {
-    return isOneOf(e, {"Enumeration", "Parameter", "Group", "Specification", "Container",
-                       "GroupRef", "ParameterRef"});
-  }
-  if (attribute == "description") return isOneOf(e, {"Parameter", "Specification", "Container"});
-  if (attribute == "type") return e == "Parameter";
-  if (attribute == "label") return e == "Value";
-  if (attribute == "enumType") {
-    const std::string* type = record.attribute("type");
-    return e == "Parameter" && type != nullptr && *type == "enum";
-  }
-  return false;
-}
-
 struct Frame {
   std::string itemId;
   std::string owner;
@@ -80,7 +63,6 @@ std::string RegistryIndex::key(const std::string& element, const std::string& id
 std::size_t RegistryIndex::addFile(const std::string& path) {
   const std::size_t file = mPaths.size();
   mPaths.push_back(path);
-  const std::size_t first = mRecords.size();
 
   host::XmlTokenReader reader;
   std::vector<Frame> stack;
@@ -146,7 +128,6 @@ std::size_t RegistryIndex::addFile(const std::string& path) {
       if (broken) break;
     }
   }
-  mFileRanges.emplace_back(first, mRecords.size());
   return file;
 }
 
@@ -172,38 +153,6 @@ std::vector<const ElementRecord*> RegistryIndex::findAll(const std::string& elem
     for (std::size_t index : found->second) records.push_back(&mRecords[index]);
   }
   return records;
-}
-
-const ElementRecord* RegistryIndex::findByAttribute(std::size_t file, const std::string& element,
-                                                    const std::string& attribute,
-                                                    const std::string& value) const {
-  if (file >= mFileRanges.size()) return nullptr;
-  for (std::size_t i = mFileRanges[file].first; i < mFileRanges[file].second; ++i) {
-    const ElementRecord& record = mRecords[i];
-    if (!element.empty() && record.element != element) continue;
-    const std::string* text = record.attribute(attribute.c_str());
-    if (text != nullptr && *text == value) return &record;
-  }
-  return nullptr;
-}
-
-const ElementRecord* RegistryIndex::findMissingAttribute(std::size_t file,
-                                                         const std::string& attribute) const {
-  if (file >= mFileRanges.size()) return nullptr;
-  for (std::size_t i = mFileRanges[file].first; i < mFileRanges[file].second; ++i) {
-    const ElementRecord& record = mRecords[i];
-    if (!requiresAttribute(record, attribute)) continue;
-    const std::string* text = record.attribute(attribute.c_str());
-    if (text == nullptr || text->empty()) return &record;
-  }
-  return nullptr;
-}
-
-const ElementRecord* RegistryIndex::findRoot(std::size_t file) const {
-  if (file >= mFileRanges.size() || mFileRanges[file].first == mFileRanges[file].second) {
-    return nullptr;
-  }
-  return &mRecords[mFileRanges[file].first];
 }
 
 }  // namespace zelk::configtool

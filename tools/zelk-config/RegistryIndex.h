@@ -1,6 +1,6 @@
 // RegistryIndex: where each element of a set of registry files stands (file, line, column), so
-// that a problem found in the loaded model, or named by a loader message without a position, can
-// be reported at its place in the files.
+// that a problem found in the loaded model can be reported at its place in the files. (Load
+// errors carry their own position.)
 //
 //   RegistryIndex index;
 //   std::size_t file = index.addFile("etc/zelk.crg");
@@ -49,25 +49,14 @@ public:
   // Every element so named whose item id equals id (ignoring ASCII case), in order.
   std::vector<const ElementRecord*> findAll(const std::string& element,
                                             const std::string& id) const;
-  // The first element of the file that has the attribute with exactly this value; only elements
-  // so named when element is not empty.
-  const ElementRecord* findByAttribute(std::size_t file, const std::string& element,
-                                       const std::string& attribute,
-                                       const std::string& value) const;
-  // The first element of the file that the loader requires to carry the attribute and that
-  // lacks it or leaves it empty.
-  const ElementRecord* findMissingAttribute(std::size_t file, const std::string& attribute) const;
   // Every element of every file, file by file in document order.
   const std::vector<ElementRecord>& getRecords() const { return mRecords; }
-  // The root element of the file, or null.
-  const ElementRecord* findRoot(std::size_t file) const;
 
 private:
   static std::string key(const std::string& element, const std::string& id);
 
   std::vector<std::string> mPaths;
   std::vector<ElementRecord> mRecords;                // every file's elements, file by file
-  std::vector<std::pair<std::size_t, std::size_t>> mFileRanges;  // [first, end) per file
   std::unordered_map<std::string, std::vector<std::size_t>> mByItemId;
 };
 

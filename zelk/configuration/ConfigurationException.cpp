@@ -23,13 +23,14 @@ ConfigurationException::ConfigurationException(RawMessage, const char* text)
     : mMessage(cloneString(text)) {}
 
 ConfigurationException::ConfigurationException(const ConfigurationException& other)
-    : HostErrorReporter(other), mMessage(cloneString(other.mMessage)) {}
+    : HostErrorReporter(other), mMessage(cloneString(other.mMessage)), mPosition(other.mPosition) {}
 
 ConfigurationException& ConfigurationException::operator=(const ConfigurationException& other) {
   if (this != &other) {
     char* copy = cloneString(other.mMessage);
     delete[] mMessage;
     mMessage = copy;
+    mPosition = other.mPosition;
   }
   return *this;
 }

@@ -43,6 +43,7 @@
 
 #include <string>
 
+#include "zelk/configuration/SourcePosition.h"
 #include "zelk/host/HostErrorReporter.h"
 
 namespace zelk::configuration {
@@ -60,6 +61,11 @@ public:
   const char* what() const noexcept override;
   int get_kind() const override;
 
+  // Where in a file the problem stands, for errors of the registry loader and the value-file
+  // reader; unknown (line 0) otherwise. The message says the same in words.
+  const SourcePosition& getPosition() const { return mPosition; }
+  void setPosition(const SourcePosition& position) { mPosition = position; }
+
 protected:
   struct RawMessage {};
   // Takes text as the message as it stands (null leaves the message null).
@@ -67,6 +73,7 @@ protected:
 
 private:
   char* mMessage = nullptr;
+  SourcePosition mPosition;
 };
 
 }  // namespace zelk::configuration

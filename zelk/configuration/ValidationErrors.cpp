@@ -45,6 +45,14 @@ const char* ValidationErrors::getError(size_t index) const { return mImpl->getEr
 
 void ValidationErrors::clear() { mImpl->clear(); }
 
+const SourcePosition& ValidationErrors::getPosition(size_t index) const {
+  return mImpl->getPosition(index);
+}
+
+void ValidationErrors::setPosition(size_t index, const SourcePosition& position) {
+  mImpl->setPosition(index, position);
+}
+
 void ValidationErrors::throwIfErrors() const {
   if (getNumberOfErrors() != 0) {
     throw ValidationException(*this);

@@ -12,6 +12,8 @@
 
 #include <cstddef>
 
+#include "zelk/configuration/SourcePosition.h"
+
 #include <boost/scoped_ptr.hpp>
 
 namespace zelk::configuration {
@@ -38,6 +40,11 @@ public:
   // The error at index (a contract: index < count); valid until the list changes.
   const char* getError(size_t index) const;
   void clear();
+  // Where in a file the error at index stands (a contract: index < count); unknown (line 0) for
+  // errors added without one.
+  const SourcePosition& getPosition(size_t index) const;
+  // Places the error at index (a contract: index < count).
+  void setPosition(size_t index, const SourcePosition& position);
   // Throws ValidationException(*this) when the list is not empty.
   void throwIfErrors() const;
 

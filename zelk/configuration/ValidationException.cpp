@@ -27,7 +27,15 @@ std::string getErrorMessage(const ValidationErrors& errors) {
 }  // namespace
 
 ValidationException::ValidationException(const ValidationErrors& errors)
-    : ConfigurationException(RawMessage(), getErrorMessage(errors).c_str()), mErrors(errors) {}
+    : ConfigurationException(RawMessage(), getErrorMessage(errors).c_str()), mErrors(errors) {
+  // The exception stands where its first placed error stands.
+  for (size_t i = 0; i < errors.getNumberOfErrors(); ++i) {
+    if (errors.getPosition(i).isKnown()) {
+      setPosition(errors.getPosition(i));
+      break;
+    }
+  }
+}
 
 ValidationException::ValidationException(const ValidationErrors& errors, const char* message)
     : ConfigurationException(RawMessage(),

@@ -109,6 +109,7 @@ void XmlTokenReader::reset() {
   mStart = 0;
   mName.clear();
   mErrorText.clear();
+  mErrorOffset = NO_OFFSET;
   mFailed = false;
   mDepth = 0;
   mRefusedSize = 0;
@@ -333,6 +334,7 @@ std::string XmlTokenReader::positionText(std::size_t at) const {
 void XmlTokenReader::fail(std::size_t at, const std::string& what) {
   if (!mFailed || mErrorText.empty()) {
     mErrorText = what + " " + positionText(at);
+    mErrorOffset = at;
   }
   mFailed = true;
 }
@@ -683,6 +685,7 @@ void XmlTokenReader::warnUnexpected(const char* expected) {
     text += "; expected \"" + std::string(expected) + "\"";
   }
   mErrorText = text;
+  mErrorOffset = mPos;
   mFailed = true;
 }
 
@@ -714,11 +717,19 @@ bool XmlTokenReader::isEof() const { return mData == nullptr || mPos >= mSize; }
 void XmlTokenReader::setErrorText(const char* text) {
   if (text == nullptr || *text == '\0') {
     mErrorText.clear();
+    mErrorOffset = NO_OFFSET;
     mFailed = false;
     return;
   }
   mErrorText = text;
+  mErrorOffset = NO_OFFSET;
   mFailed = true;
+}
+
+bool XmlTokenReader::getErrorPosition(unsigned int& line, unsigned int& column) const {
+  if (mErrorText.empty() || mErrorOffset == NO_OFFSET) return false;
+  lineAndColumn(mErrorOffset, line, column);
+  return true;
 }
 
 }  // namespace zelk::host

@@ -131,11 +131,18 @@ public:
   // Replaces the kept error text and fails the reader; null or empty clears the error text and
   // the failure.
   void setErrorText(const char* text);
+  // Where the reader's own error (see above) stands: true, with its line and column, for a
+  // problem the reader found or warnUnexpected recorded; false when there is no error or the
+  // text came from setErrorText.
+  bool getErrorPosition(unsigned int& line, unsigned int& column) const;
 
   // The current position: byte offset, and 1-based line and column (columns count characters).
   std::size_t getOffset() const { return mPos; }
   unsigned int getLine() const;
   unsigned int getColumn() const;
+  // The 1-based line and column of a byte offset of the document (as getOffset() gives them), so
+  // that a loader can keep offsets while it reads and turn them into lines only for a problem.
+  void lineAndColumn(std::size_t at, unsigned int& line, unsigned int& column) const;
   // "line L, column C" for the current position.
   std::string describePosition() const;
 
@@ -143,11 +150,12 @@ public:
   const char* getDocumentName() const { return mName.c_str(); }
 
 private:
+  static constexpr std::size_t NO_OFFSET = static_cast<std::size_t>(-1);
+
   void reset();
   void validate();
   void fail(std::size_t at, const std::string& what);
   std::string positionText(std::size_t at) const;
-  void lineAndColumn(std::size_t at, unsigned int& line, unsigned int& column) const;
   void skipWhiteSpace();
   bool matchAt(std::size_t at, const char* text, std::size_t& end) const;
   std::size_t nameEnd(std::size_t at) const;
@@ -162,6 +170,7 @@ private:
   std::size_t mStart = 0;  // the first byte after a byte-order mark
   std::string mName;
   std::string mErrorText;
+  std::size_t mErrorOffset = NO_OFFSET;  // where the reader's own error stands
   bool mFailed = false;
   unsigned int mDepth = 0;
   std::size_t mMaxFileSize = DEFAULT_MAX_FILE_SIZE;

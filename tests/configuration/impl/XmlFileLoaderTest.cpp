@@ -23,6 +23,15 @@ ValueGroup load(const std::string& text, std::string* message = 0) {
   ValueGroup root = loader.loadDocument();
   if (message != 0) *message = loader.getMessage();
   EXPECT_EQ(root.isNull(), !loader.getMessage().empty());
+  if (root.isNull()) {
+    // The position as data is the one the message names.
+    const zelk::configuration::SourcePosition& where = loader.getPosition();
+    EXPECT_EQ("values.xml", where.file);
+    EXPECT_NE(std::string::npos,
+              loader.getMessage().find("line " + std::to_string(where.line) + ", column " +
+                                       std::to_string(where.column)))
+        << loader.getMessage();
+  }
   return root;
 }
 

@@ -72,13 +72,70 @@ void ConfigurationRegistryLoaderImpl::loadBuffer(const char* data, std::size_t s
 void ConfigurationRegistryLoaderImpl::readDocument() {
   mCurrentGroup = nullptr;
   mCopiedItems = 0;
+  mElement = nullptr;
+  mElementStart = 0;
+  mErrorPosition = SourcePosition();
   readRoot();
   if (mReader.hasError()) {
     // The text may quote the file; it is read as a format without arguments, never formatted.
     ValidationErrors errors;
     errors.addErrorAsFormat(mReader.getErrorText());
+    if (!mErrorPosition.isKnown()) {
+      // A syntax error outside every element but the root.
+      mErrorPosition = placeOf(nullptr);
+      if (!mReader.getErrorPosition(mErrorPosition.line, mErrorPosition.column)) {
+        mErrorPosition.line = 0;
+        mErrorPosition.column = 0;
+      }
+    }
+    errors.setPosition(0, mErrorPosition);
     errors.throwIfErrors();
   }
+}
+
+template <typename Read>
+bool ConfigurationRegistryLoaderImpl::readElementAt(const char* element, std::size_t start,
+                                                    Read&& read) {
+  const char* outerElement = mElement;
+  const std::size_t outerStart = mElementStart;
+  mElement = element;
+  mElementStart = start;
+  bool done = false;
+  try {
+    done = read();
+  } catch (ConfigurationException& e) {
+    if (!e.getPosition().isKnown()) e.setPosition(placeOf(nullptr));
+    mElement = outerElement;
+    mElementStart = outerStart;
+    throw;
+  }
+  // A syntax error the reader found inside this element (an unknown attribute, a stray token)
+  // stands where the reader stopped, in this element.
+  unsigned int line = 0;
+  unsigned int column = 0;
+  if (!done && !mErrorPosition.isKnown() && mReader.getErrorPosition(line, column)) {
+    mErrorPosition = placeOf(nullptr);
+    mErrorPosition.line = line;
+    mErrorPosition.column = column;
+  }
+  mElement = outerElement;
+  mElementStart = outerStart;
+  return done;
+}
+
+SourcePosition ConfigurationRegistryLoaderImpl::placeOf(const char* attribute) const {
+  SourcePosition position;
+  position.file = mReader.getDocumentName();
+  mReader.lineAndColumn(mElementStart, position.line, position.column);
+  if (mElement != nullptr) position.element = mElement;
+  if (attribute != nullptr) position.attribute = attribute;
+  return position;
+}
+
+void ConfigurationRegistryLoaderImpl::throwAt(const char* attribute,
+                                              ConfigurationException error) const {
+  error.setPosition(placeOf(attribute));
+  throw error;
 }
 
 void ConfigurationRegistryLoaderImpl::fail(const std::string& text) {
@@ -87,6 +144,7 @@ void ConfigurationRegistryLoaderImpl::fail(const std::string& text) {
     message += " in \"" + std::string(mReader.getDocumentName()) + "\"";
   }
   mReader.setErrorText(message.c_str());
+  mErrorPosition = placeOf(nullptr);
 }
 
 bool ConfigurationRegistryLoaderImpl::readRoot() {
@@ -102,9 +160,10 @@ bool ConfigurationRegistryLoaderImpl::readRoot() {
   if (!schemaVersion.empty()) {
     const Version version = Version::parse(schemaVersion.c_str());
     if (version.compareTo(CURRENT_SCHEMA_VERSION) > 0) {
-      throw ConfigurationException("Unsupported CRG schema version %s. Current version: %s.",
-                                   version.asString().c_str(),
-                                   CURRENT_SCHEMA_VERSION.asString().c_str());
+      throwAt("crgSchemaVersion",
+              ConfigurationException("Unsupported CRG schema version %s. Current version: %s.",
+                                     version.asString().c_str(),
+                                     CURRENT_SCHEMA_VERSION.asString().c_str()));
     }
   }
   if (!mReader.enterElement()) {
@@ -135,6 +194,8 @@ bool ConfigurationRegistryLoaderImpl::readRoot() {
 bool ConfigurationRegistryLoaderImpl::readRootStart(std::string& prefix,
                                                     std::string& schemaVersion) {
   mReader.skipComments();
+  mElement = ROOT_NAME;
+  mElementStart = mReader.getOffset();
   if (!mReader.acceptToken("<ConfigurationRegistry")) {
     // A namespace prefix ("<crg:ConfigurationRegistry") is allowed; it is repeated in the end tag.
     if (!mReader.atToken("<")) {
@@ -209,6 +270,7 @@ bool ConfigurationRegistryLoaderImpl::checkRequired(const Attribute* attributes,
   for (std::size_t i = 0; i < count; ++i) {
     if (attributes[i].required && attributes[i].value.empty()) {
       mReader.setErrorText((std::string("missing attribute: ") + attributes[i].name).c_str());
+      mErrorPosition = placeOf(attributes[i].name);
       return false;
     }
   }
@@ -262,11 +324,12 @@ bool ConfigurationRegistryLoaderImpl::readSection(const char* startTag, const ch
     return false;
   }
   while (!atEndTag(endTag)) {
+    const std::size_t start = mReader.getOffset();
     if (!mReader.acceptToken(elementTag)) {
       mReader.warnUnexpected();
       return false;
     }
-    if (!(this->*readElement)()) {
+    if (!readElementAt(elementTag + 1, start, [&] { return (this->*readElement)(); })) {
       return false;
     }
   }
@@ -285,16 +348,17 @@ bool ConfigurationRegistryLoaderImpl::readEnumeration() {
   }
   const char* id = attributes[0].value.c_str();
   if (mManager->getEnumDefinition(id) != nullptr) {
-    throw ConfigurationException("The \"%s\" enumeration has already been defined", id);
+    throwAt("id", ConfigurationException("The \"%s\" enumeration has already been defined", id));
   }
   EnumDefinition* enumDefinition = Factory::createEnumDefinition(id, mManager);
   if (!empty) {
     while (!atEndTag("</Enumeration>")) {
+      const std::size_t start = mReader.getOffset();
       if (!mReader.acceptToken("<Value")) {
         mReader.warnUnexpected();
         return false;
       }
-      if (!readEnumValue(enumDefinition)) {
+      if (!readElementAt("Value", start, [&] { return readEnumValue(enumDefinition); })) {
         return false;
       }
     }
@@ -322,7 +386,8 @@ bool ConfigurationRegistryLoaderImpl::readEnumValue(EnumDefinition* enumDefiniti
     ValidationErrors errors;
     const int32_t number = Convert::asInt32(value.c_str(), &errors);
     if (errors.getNumberOfErrors() > 0) {
-      throw ConfigurationException("\"%s\" is not a valid integer value", value.c_str());
+      throwAt("value",
+              ConfigurationException("\"%s\" is not a valid integer value", value.c_str()));
     }
     Factory::addEnumValue(enumDefinition, label.c_str(), number);
   }
@@ -350,20 +415,21 @@ bool ConfigurationRegistryLoaderImpl::readParameter() {
   if (!attributes[VALIDATOR].value.empty()) {
     validator = mManager->getValidator(attributes[VALIDATOR].value.c_str());
     if (validator == nullptr) {
-      throw ConfigurationException("The \"%s\" validator was not found",
-                                   attributes[VALIDATOR].value.c_str());
+      throwAt("validator", ConfigurationException("The \"%s\" validator was not found",
+                                                  attributes[VALIDATOR].value.c_str()));
     }
   }
   const ValueTypeInfo* type = ValueTypeTable::findWord(attributes[TYPE].value);
   if (type == nullptr) {
-    throw ConfigurationException("\"%s\" is not a recognized type", attributes[TYPE].value.c_str());
+    throwAt("type", ConfigurationException("\"%s\" is not a recognized type",
+                                           attributes[TYPE].value.c_str()));
   }
   const EnumDefinition* enumDefinition = nullptr;
   if (type->type == Parameter::ENUM) {
     enumDefinition = mManager->getEnumDefinition(attributes[ENUM_TYPE].value.c_str());
     if (enumDefinition == nullptr) {
-      throw ConfigurationException("The \"%s\" enumeration was not found",
-                                   attributes[ENUM_TYPE].value.c_str());
+      throwAt("enumType", ConfigurationException("The \"%s\" enumeration was not found",
+                                                 attributes[ENUM_TYPE].value.c_str()));
     }
   }
   Parameter* parameter = Factory::createParameter(
@@ -371,7 +437,12 @@ bool ConfigurationRegistryLoaderImpl::readParameter() {
       attributes[DESCRIPTION].value.c_str(), type->type, attributes[VALUE_NAME].value.c_str(),
       validator, enumDefinition, mManager);
   if (!attributes[DEFAULT].value.empty()) {
-    Factory::setDefaultValueFor(parameter, attributes[DEFAULT].value.c_str());
+    try {
+      Factory::setDefaultValueFor(parameter, attributes[DEFAULT].value.c_str());
+    } catch (ConfigurationException& e) {
+      e.setPosition(placeOf("default"));
+      throw;
+    }
   }
   mReader.leaveElement();
   return true;
@@ -432,17 +503,19 @@ bool ConfigurationRegistryLoaderImpl::readSpecification() {
 bool ConfigurationRegistryLoaderImpl::readItems(GroupItemCollection* collection,
                                                 const char* endTag) {
   while (!atEndTag(endTag)) {
+    const std::size_t start = mReader.getOffset();
     bool read;
     if (mReader.acceptToken("<ParameterRef")) {
-      read = readParameterRef(collection);
+      read = readElementAt("ParameterRef", start, [&] { return readParameterRef(collection); });
     } else if (mReader.acceptToken("<Container")) {
-      read = readContainer(collection);
+      read = readElementAt("Container", start, [&] { return readContainer(collection); });
     } else if (mReader.acceptToken("<LogicalGroup")) {
-      read = readConstraint(collection, false);
+      read = readElementAt("LogicalGroup", start,
+                           [&] { return readConstraint(collection, false); });
     } else if (mReader.acceptToken("<OneOf")) {
-      read = readConstraint(collection, true);
+      read = readElementAt("OneOf", start, [&] { return readConstraint(collection, true); });
     } else if (mReader.acceptToken("<GroupRef")) {
-      read = readGroupRef(collection);
+      read = readElementAt("GroupRef", start, [&] { return readGroupRef(collection); });
     } else {
       mReader.warnUnexpected();
       return false;
@@ -523,7 +596,7 @@ bool ConfigurationRegistryLoaderImpl::readGroupRef(GroupItemCollection* collecti
   // would never end.
   const Group* group = dynamic_cast<const Group*>(mManager->getGroup(id));
   if (group == nullptr || group == mCurrentGroup) {
-    throw ConfigurationException("Group \"%s\" was not found", id);
+    throwAt("id", ConfigurationException("Group \"%s\" was not found", id));
   }
   if (!checkCopyBounds(*group)) {
     return false;
@@ -589,7 +662,7 @@ bool ConfigurationRegistryLoaderImpl::readParameterRef(GroupItemCollection* coll
   const char* id = attributes[ID].value.c_str();
   const Parameter* parameter = dynamic_cast<const Parameter*>(mManager->getParameter(id));
   if (parameter == nullptr) {
-    throw ConfigurationException("Parameter \"%s\" was not found", id);
+    throwAt("id", ConfigurationException("Parameter \"%s\" was not found", id));
   }
   ParameterRef* reference = Factory::createParameterRef(
       parameter,
@@ -599,8 +672,12 @@ bool ConfigurationRegistryLoaderImpl::readParameterRef(GroupItemCollection* coll
   if (!attributes[DEFAULT].value.empty()) {
     try {
       Factory::setDefaultValueFor(reference, attributes[DEFAULT].value.c_str());
-    } catch (...) {
+    } catch (ConfigurationException& e) {
       Factory::destroy(reference);  // not attached yet, so nothing else owns it
+      e.setPosition(placeOf("default"));
+      throw;
+    } catch (...) {
+      Factory::destroy(reference);
       throw;
     }
   }

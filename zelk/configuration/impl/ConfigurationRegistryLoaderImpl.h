@@ -10,12 +10,21 @@
 // zelk::host::XmlTokenReader::MAX_NESTING_DEPTH, also for the items that a GroupRef copies, and
 // attribute values are cut at MAX_ATTRIBUTE_LENGTH characters (those longer than the reader's text
 // limit are refused). A file larger than the manager's getMaxFileSize() is refused unread.
+//
+// Every error it throws carries its SourcePosition as data (ConfigurationException::getPosition,
+// and ValidationErrors::getPosition for each error of a ValidationException): the file, and for a
+// problem with an element the line and column where the element starts, its name and the
+// attribute concerned (the missing one, the one whose value is refused); for a syntax error the
+// place the reader stopped at. Only the byte offset of the element being read is kept while
+// reading; lines and columns are counted when a problem is reported.
 #pragma once
 
 #include <cstddef>
 #include <string>
 
+#include "zelk/configuration/ConfigurationException.h"
 #include "zelk/configuration/Parameter.h"
+#include "zelk/configuration/SourcePosition.h"
 #include "zelk/configuration/impl/Version.h"
 #include "zelk/host/XmlTokenReader.h"
 
@@ -60,6 +69,14 @@ private:
   };
 
   void readDocument();
+  // Reads one element with read, whose opening "<name" was taken at byte offset start: any error
+  // thrown or recorded while reading it that has no position yet is placed at the element.
+  template <typename Read>
+  bool readElementAt(const char* element, std::size_t start, Read&& read);
+  // The position of the element being read, with attribute (may be null).
+  SourcePosition placeOf(const char* attribute) const;
+  // Throws error placed at the element being read and its attribute.
+  [[noreturn]] void throwAt(const char* attribute, ConfigurationException error) const;
   bool readRoot();
   bool readRootStart(std::string& prefix, std::string& schemaVersion);
 
@@ -108,6 +125,11 @@ private:
   // The group whose items are being read: it is not visible to its own GroupRef elements.
   const Group* mCurrentGroup = nullptr;
   std::size_t mCopiedItems = 0;
+  // The element being read: its name and the byte offset of its "<".
+  const char* mElement = nullptr;
+  std::size_t mElementStart = 0;
+  // Where the error text the loader recorded itself (missing attribute, bounds) stands.
+  SourcePosition mErrorPosition;
   char mBuffer[MAX_ATTRIBUTE_LENGTH + 1];
 };
 

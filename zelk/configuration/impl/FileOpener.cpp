@@ -18,12 +18,19 @@ void openXmlFile(zelk::host::XmlTokenReader& reader, const char* path, std::size
   if (reader.openFile(path)) {
     return;
   }
+  // The file is the whole position: nothing of it was read.
+  SourcePosition position;
+  position.file = name;
   if (!reader.wasTooLarge()) {
-    throw ConfigurationException("File \"%s\" was not found", name);
+    ConfigurationException error("File \"%s\" was not found", name);
+    error.setPosition(position);
+    throw error;
   }
   // The reader's text names the file, its size and the limit; the path is an argument, never part
   // of the format.
-  throw ConfigurationException("%s", reader.getErrorText());
+  ConfigurationException error("%s", reader.getErrorText());
+  error.setPosition(position);
+  throw error;
 }
 
 }  // namespace zelk::configuration::impl

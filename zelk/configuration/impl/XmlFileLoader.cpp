@@ -112,7 +112,15 @@ bool XmlFileLoader::readValue(char* buffer, const char* attribute) {
 bool XmlFileLoader::fail(const char* expected) {
   mReader.warnUnexpected(expected);
   mMessage = mReader.getErrorText();
+  placeError();
   return false;
+}
+
+void XmlFileLoader::placeError() {
+  mPosition.file = mReader.getDocumentName();
+  if (!mReader.getErrorPosition(mPosition.line, mPosition.column)) {
+    mReader.lineAndColumn(mReader.getOffset(), mPosition.line, mPosition.column);
+  }
 }
 
 bool XmlFileLoader::failWith(const std::string& text) {
@@ -122,6 +130,7 @@ bool XmlFileLoader::failWith(const std::string& text) {
   }
   mReader.setErrorText(message.c_str());
   mMessage = message;
+  placeError();
   return false;
 }
 

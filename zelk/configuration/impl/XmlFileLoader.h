@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "zelk/configuration/SourcePosition.h"
 #include "zelk/configuration/ValueGroup.h"
 #include "zelk/configuration/impl/XmlValueDocument.h"
 
@@ -39,6 +40,8 @@ public:
   bool loadDocument(XmlValueDocument& out);
   // The error met, naming its line and column; empty when there was none.
   const std::string& getMessage() const { return mMessage; }
+  // Where that error stands: the document's name, line and column (line 0 when there was none).
+  const SourcePosition& getPosition() const { return mPosition; }
 
 private:
   XmlFileLoader(const XmlFileLoader&) = delete;
@@ -56,9 +59,12 @@ private:
   bool fail(const char* expected);
   // Reports text of our own at the current position; returns false.
   bool failWith(const std::string& text);
+  // Keeps the position of the error just recorded: the reader's own, else the current one.
+  void placeError();
 
   zelk::host::XmlTokenReader& mReader;
   std::string mMessage;
+  SourcePosition mPosition;
   // Reading buffers, a little larger than BUFFER_SIZE so that an overlong text is noticed.
   std::vector<char> mName;
   std::vector<char> mText;

@@ -83,6 +83,7 @@ void XmlFileValueProviderImpl::load(zelk::host::XmlTokenReader& reader) {
     // The message quotes the file's content, so it is added as a text without arguments.
     ValidationErrors errors;
     errors.addErrorAsFormat(loader.getMessage().c_str());
+    errors.setPosition(0, loader.getPosition());
     errors.throwIfErrors();
   }
   mDocument.swap(loaded);
