@@ -30,6 +30,7 @@ const std::vector<Command>& commandTable() {
       {"readKey",    {},                     SpecificationUse::NONE,     "",       {TEXT, JSON}, runReadKey},
       {"schema",     {"registry", "values"}, SpecificationUse::REQUIRED, "values", {TEXT},       runSchema},
       {"completion", {"bash"},               SpecificationUse::REQUIRED, "",       {TEXT},       runCompletion},
+      {"man",        {},                     SpecificationUse::REQUIRED, "",       {TEXT},       runMan},
   };
   // clang-format on
   return COMMANDS;

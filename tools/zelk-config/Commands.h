@@ -15,5 +15,6 @@ int runValues(const CommandContext& context);
 int runReadKey(const CommandContext& context);
 int runSchema(const CommandContext& context);
 int runCompletion(const CommandContext& context);
+int runMan(const CommandContext& context);
 
 }  // namespace zelk::configtool
