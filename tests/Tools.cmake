@@ -134,6 +134,8 @@ add_test(NAME zelk-config.schema
   COMMAND ${CMAKE_COMMAND} -DZELK_CONFIG=${zc} -DSOURCE_DIR=${PROJECT_SOURCE_DIR}
     -DWORK_DIR=${CMAKE_CURRENT_BINARY_DIR}/schema-validation
     -P ${CMAKE_CURRENT_SOURCE_DIR}/tools/schema-validation.cmake)
+add_test(NAME zelk-config.completion-zsh-fish
+  COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/tools/completion-shells.sh ${zc} ${ZELK_EXAMPLE_INSTALLATION})
 add_test(NAME zelk-config.man
   COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/tools/man.sh ${zc} ${ZELK_EXAMPLE_INSTALLATION})
 add_test(NAME zelk-config.completion
@@ -145,7 +147,7 @@ add_test(NAME zelk-config.export-round-trip
 add_test(NAME zelk-config.hostile-names
   COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/tools/hostile-names.sh ${zc}
     ${ZELK_TOOL_DATA}/hostile/zelk.crg ${CMAKE_CURRENT_BINARY_DIR}/hostile-names)
-set_tests_properties(zelk-config.schema zelk-config.completion zelk-config.man zelk-config.export-round-trip
+set_tests_properties(zelk-config.schema zelk-config.completion zelk-config.completion-zsh-fish zelk-config.man zelk-config.export-round-trip
   zelk-config.hostile-names PROPERTIES LABELS tools)
 
 # Files over the size limit are refused before they are read.

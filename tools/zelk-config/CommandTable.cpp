@@ -29,7 +29,7 @@ const std::vector<Command>& commandTable() {
       {"values",     {},                     SpecificationUse::REQUIRED, "",       {TEXT, JSON}, runValues},
       {"readKey",    {},                     SpecificationUse::NONE,     "",       {TEXT, JSON}, runReadKey},
       {"schema",     {"registry", "values"}, SpecificationUse::REQUIRED, "values", {TEXT},       runSchema},
-      {"completion", {"bash"},               SpecificationUse::REQUIRED, "",       {TEXT},       runCompletion},
+      {"completion", {"bash", "zsh", "fish"}, SpecificationUse::REQUIRED, "",      {TEXT},       runCompletion},
       {"man",        {},                     SpecificationUse::REQUIRED, "",       {TEXT},       runMan},
   };
   // clang-format on

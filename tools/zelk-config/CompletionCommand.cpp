@@ -13,7 +13,14 @@ int runCompletion(const CommandContext& context) {
   configuration::ConfigurationManager* manager = nullptr;
   const auto* specification = loadSpecification(context, manager);
   if (specification == nullptr) return EXIT_PROBLEMS;
-  writeBashCompletion(context.out, *specification);
+  // The shells, by the words of the command's row.
+  if (context.options.word == "zsh") {
+    writeZshCompletion(context.out, *specification);
+  } else if (context.options.word == "fish") {
+    writeFishCompletion(context.out, *specification);
+  } else {
+    writeBashCompletion(context.out, *specification);
+  }
   return EXIT_CLEAN;
 }
 

@@ -1,5 +1,6 @@
-// CompletionWriter: a bash completion script for a tool, generated from its specification, so
-// that completion follows the registry instead of being written by hand.
+// CompletionWriter: a bash, zsh or fish completion script for a tool, generated from its
+// specification (CompletionModel), so that completion follows the registry instead of being
+// written by hand.
 //
 //   writeBashCompletion(std::cout, *specification);
 //   // then, in bash: source <(zelk-config -completion bash -specification zbackup)
@@ -26,5 +27,12 @@ class Specification;
 namespace zelk::configtool {
 
 void writeBashCompletion(std::ostream& out, const configuration::Specification& specification);
+
+// The same completion for zsh (a function for compdef, words offered through compadd, which
+// quotes what it inserts) and for fish (complete commands, whose word lists are quoted twice:
+// fish reads them once when the script is sourced and again when Tab is pressed). Flags are
+// matched in the letter case they are declared in, as zsh and fish match options.
+void writeZshCompletion(std::ostream& out, const configuration::Specification& specification);
+void writeFishCompletion(std::ostream& out, const configuration::Specification& specification);
 
 }  // namespace zelk::configtool
