@@ -175,6 +175,12 @@ zelk_output_test(zelk-config.list-broken 1
 zelk_output_test(zelk-config.check-named-files 1
   COMMAND ${zc} -check -registry examples/installation/plugins/zverify/zverify.crg
   MATCH "^examples/installation/plugins/zverify/zverify.crg:[0-9]+:7: Parameter \"help\" was not found\n1 problem found in 1 registry file\\.\n$")
+# A flag that is a prefix of another visible flag is ambiguous however it is typed; a hidden
+# flag is never abbreviated to, so its longer namesake does not shadow it.
+zelk_output_test(zelk-config.check-prefix-flags 1
+  COMMAND ${zc} -check -registry tests/tools/zelk-config/data/prefix.crg
+  MATCH "^tests/tools/zelk-config/data/prefix.crg:12:7: the flag -cache can never be given on the command line: it is a prefix of -cacheBytes, so every -cache is ambiguous\n"
+  MATCH "\ntests/tools/zelk-config/data/prefix.crg:15:9: the flag -port can never be given on the command line: it is a prefix of -portRangeEnd, so every -port is ambiguous\n2 problems found in 1 registry file\\.\n$")
 zelk_output_test(zelk-config.check-unused-and-hidden 1
   COMMAND ${zc} -check -registry examples/installation/etc/zelk.crg
           -registry tests/tools/zelk-config/data/unused.crg

@@ -121,8 +121,42 @@ public:
     const Parameter* parameter = reference.getParameter();
     mUsed.insert(parameter);
     checkDefault(reference.getDefaultValue(), parameter, "ParameterRef", reference.getId());
+    if (parameter != nullptr && !reference.isHidden()) mFlags.push_back(&reference);
     return true;
   }
+
+  // The flags of the last walk that can never be given: the command line takes any prefix of a
+  // visible flag and never prefers an exact name, so a flag that is a prefix of another visible
+  // flag (-cache beside -cacheBytes) is ambiguous however it is typed. Sorted without regard to
+  // case, a flag's longer namesakes follow it directly, so one pass finds them.
+  void checkPrefixFlags() {
+    const auto name = [](const ParameterRef* reference) {
+      std::string lower = reference->getParameter()->getName();
+      for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+      return lower;
+    };
+    std::vector<std::pair<std::string, const ParameterRef*>> flags;
+    for (const ParameterRef* reference : mFlags) flags.emplace_back(name(reference), reference);
+    std::sort(flags.begin(), flags.end(),
+              [](const auto& a, const auto& b) { return a.first < b.first; });
+    for (std::size_t i = 0; i + 1 < flags.size(); ++i) {
+      const std::string& shorter = flags[i].first;
+      std::size_t longer = i + 1;
+      while (longer < flags.size() && flags[longer].first == shorter) ++longer;
+      if (longer == flags.size() || flags[longer].first.compare(0, shorter.size(), shorter) != 0) {
+        continue;
+      }
+      const std::string flag = std::string("-") + flags[i].second->getParameter()->getName();
+      mProblems.push_back(
+          {"ParameterRef", flags[i].second->getId(), std::string(),
+           "the flag " + flag + " can never be given on the command line: it is a prefix of -" +
+               flags[longer].second->getParameter()->getName() + ", so every " + flag +
+               " is ambiguous"});
+    }
+    mFlags.clear();
+  }
+
+  void forgetFlags() { mFlags.clear(); }
 
   void checkDefault(const Value& value, const Parameter* parameter, const char* element,
                     const std::string& id) {
@@ -142,6 +176,7 @@ public:
 
   std::vector<Problem> mProblems;
   std::unordered_set<const Parameter*> mUsed;
+  std::vector<const ParameterRef*> mFlags;  // the visible flags of the walk, in order
 };
 
 }  // namespace
@@ -239,6 +274,7 @@ void RegistryChecker::checkModel(ConfigurationManager& manager) {
     for (const Specification* specification : entry.second) {
       owners.emplace_back(specification->getId(), walker.mProblems.size());
       specification->accept(walker);
+      walker.checkPrefixFlags();
     }
   }
   const std::unordered_set<const Parameter*> used = walker.mUsed;
@@ -248,6 +284,7 @@ void RegistryChecker::checkModel(ConfigurationManager& manager) {
       if (const auto* group = dynamic_cast<const Group*>(item)) {
         owners.emplace_back(group->getId(), walker.mProblems.size());
         group->accept(walker);
+        walker.forgetFlags();  // only a tool has a command line
       } else if (const auto* parameter = dynamic_cast<const Parameter*>(item)) {
         parameters.push_back(parameter);
       }
