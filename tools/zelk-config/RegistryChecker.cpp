@@ -158,6 +158,19 @@ public:
 
   void forgetFlags() { mFlags.clear(); }
 
+  // What a parameter declares on its own: its default, and a flag name that can be typed.
+  void checkParameter(const Parameter& parameter) {
+    checkDefault(parameter.getDefaultValue(), &parameter, "Parameter", parameter.getId());
+    const std::string name = parameter.getName();
+    const std::string why = untypable(name);
+    if (!why.empty()) {
+      mProblems.push_back({"Parameter", parameter.getId(), std::string(),
+                           "the flag name \"" + name + "\" of parameter \"" +
+                               std::string(parameter.getId()) +
+                               "\" cannot be typed on a command line: " + why});
+    }
+  }
+
   void checkDefault(const Value& value, const Parameter* parameter, const char* element,
                     const std::string& id) {
     const Validator* validator = parameter != nullptr ? parameter->getValidator() : nullptr;
@@ -233,37 +246,90 @@ void RegistryChecker::checkFiles() {
   }
 }
 
-void RegistryChecker::checkModel(ConfigurationManager& manager) {
-  // Names declared twice: the registries accept them, but every look-up of them fails.
-  std::map<std::string, std::vector<Specification*>> specifications;
-  for (Specification* specification : collect(manager.getSpecificationEnumerator())) {
-    specifications[specification->getId()].push_back(specification);
-  }
-  std::map<std::string, std::vector<GlobalItem*>> globalItems;
-  for (GlobalItem* item : collect(manager.getGlobalItemEnumerator())) {
-    globalItems[item->getId()].push_back(item);
-  }
-  const auto reportDuplicate = [this](const char* element, const char* word,
-                                      const std::string& id) {
-    const std::vector<const ElementRecord*> records = mIndex.findAll(element, id);
+namespace {
+
+// A problem of the model with the element it is reported at (null: not found in the files).
+struct PlacedProblem {
+  const ElementRecord* where;
+  std::string message;
+};
+
+template <typename Item>
+using ById = std::map<std::string, std::vector<Item*>>;
+
+// Names declared twice: the registries accept them, but every look-up of them fails. Reported
+// at the second declaration, naming the first.
+std::vector<PlacedProblem> findDuplicates(const RegistryIndex& index,
+                                          const ById<Specification>& specifications,
+                                          const ById<GlobalItem>& globalItems) {
+  std::vector<PlacedProblem> problems;
+  const auto duplicate = [&](const char* element, const char* word, const std::string& id) {
+    const std::vector<const ElementRecord*> records = index.findAll(element, id);
     std::string message = "Duplicate " + std::string(word) + " \"" + id + "\"";
     if (records.size() >= 2) {
-      message += " (first declared at " + mIndex.getPath(records[0]->file) + ':' +
+      message += " (first declared at " + index.getPath(records[0]->file) + ':' +
                  std::to_string(records[0]->line) + ':' + std::to_string(records[0]->column) +
                  ")";
     }
-    message += ": looking it up fails";
-    const ElementRecord* where = records.size() >= 2 ? records[1] : nullptr;
-    add(where, where != nullptr ? where->file : Finding::NO_FILE, message);
+    problems.push_back({records.size() >= 2 ? records[1] : nullptr,
+                        message + ": looking it up fails"});
   };
   for (const auto& entry : specifications) {
-    if (entry.second.size() > 1) reportDuplicate("Specification", "specification", entry.first);
+    if (entry.second.size() > 1) duplicate("Specification", "specification", entry.first);
   }
   for (const auto& entry : globalItems) {
     if (entry.second.size() > 1) {
       const bool isGroup = entry.second.front()->getItemType() == GlobalItem::GROUP;
-      reportDuplicate(isGroup ? "Group" : "Parameter", "item", entry.first);
+      duplicate(isGroup ? "Group" : "Parameter", "item", entry.first);
     }
+  }
+  return problems;
+}
+
+// The element each problem of the walk belongs to. owners lists each walked specification or
+// group with the number of problems found before it; the first ownedProblems problems were found
+// in those walks, the rest on parameters.
+std::vector<PlacedProblem> placeProblems(
+    const RegistryIndex& index, const std::vector<ModelWalker::Problem>& problems,
+    const std::vector<std::pair<std::string, std::size_t>>& owners, std::size_t ownedProblems) {
+  std::vector<PlacedProblem> placed;
+  for (std::size_t i = 0, owner = 0; i < problems.size(); ++i) {
+    while (owner + 1 < owners.size() && owners[owner + 1].second <= i) ++owner;
+    const ModelWalker::Problem& problem = problems[i];
+    const ElementRecord* where = nullptr;
+    if (!problem.defaultText.empty()) {
+      // The reference that carries this default; else the parameter that declares it.
+      for (const ElementRecord* record : index.findAll(problem.element, problem.itemId)) {
+        const std::string* text = record->attribute("default");
+        if (text != nullptr && *text == problem.defaultText) {
+          where = record;
+          break;
+        }
+      }
+      if (where == nullptr) where = index.findItem("Parameter", problem.itemId);
+    } else if (i < ownedProblems && !owners.empty()) {
+      where = index.findItem(problem.element, problem.itemId, std::nullopt, &owners[owner].first);
+    }
+    if (where == nullptr) where = index.findItem(problem.element, problem.itemId);
+    placed.push_back({where, problem.message});
+  }
+  return placed;
+}
+
+}  // namespace
+
+void RegistryChecker::checkModel(ConfigurationManager& manager) {
+  ById<Specification> specifications;
+  for (Specification* specification : collect(manager.getSpecificationEnumerator())) {
+    specifications[specification->getId()].push_back(specification);
+  }
+  ById<GlobalItem> globalItems;
+  for (GlobalItem* item : collect(manager.getGlobalItemEnumerator())) {
+    globalItems[item->getId()].push_back(item);
+  }
+  for (const PlacedProblem& problem : findDuplicates(mIndex, specifications, globalItems)) {
+    add(problem.where, problem.where != nullptr ? problem.where->file : Finding::NO_FILE,
+        problem.message);
   }
 
   // The trees: every specification, then every group (a group nobody refers to is still
@@ -292,37 +358,12 @@ void RegistryChecker::checkModel(ConfigurationManager& manager) {
   }
   const std::size_t ownedProblems = walker.mProblems.size();
   for (const Parameter* parameter : parameters) {
-    walker.checkDefault(parameter->getDefaultValue(), parameter, "Parameter", parameter->getId());
-    const std::string name = parameter->getName();
-    const std::string why = untypable(name);
-    if (!why.empty()) {
-      walker.mProblems.push_back({"Parameter", parameter->getId(), std::string(),
-                                  "the flag name \"" + name + "\" of parameter \"" +
-                                      std::string(parameter->getId()) +
-                                      "\" cannot be typed on a command line: " + why});
-    }
+    walker.checkParameter(*parameter);
   }
-
-  for (std::size_t i = 0, owner = 0; i < walker.mProblems.size(); ++i) {
-    while (owner + 1 < owners.size() && owners[owner + 1].second <= i) ++owner;
-    const ModelWalker::Problem& problem = walker.mProblems[i];
-    const ElementRecord* where = nullptr;
-    if (!problem.defaultText.empty()) {
-      // The reference that carries this default; else the parameter that declares it.
-      for (const ElementRecord* record : mIndex.findAll(problem.element, problem.itemId)) {
-        const std::string* text = record->attribute("default");
-        if (text != nullptr && *text == problem.defaultText) {
-          where = record;
-          break;
-        }
-      }
-      if (where == nullptr) where = mIndex.findItem("Parameter", problem.itemId);
-    } else if (i < ownedProblems && !owners.empty()) {
-      where = mIndex.findItem(problem.element, problem.itemId, std::nullopt,
-                              &owners[owner].first);
-    }
-    if (where == nullptr) where = mIndex.findItem(problem.element, problem.itemId);
-    add(where, where != nullptr ? where->file : Finding::NO_FILE, problem.message);
+  for (const PlacedProblem& problem :
+       placeProblems(mIndex, walker.mProblems, owners, ownedProblems)) {
+    add(problem.where, problem.where != nullptr ? problem.where->file : Finding::NO_FILE,
+        problem.message);
   }
 
   // A file that failed to load may hold the specification that uses a parameter: without every
