@@ -1,5 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
 
 #include "configuration/Models.h"
 #include "zelk/configuration/ConfigurationListener.h"
@@ -165,6 +171,102 @@ TEST_F(ConfigurationListenerTest, ListenersMayStopListeningDuringANotification) 
   EXPECT_EQ(1u, first.events.size());
   EXPECT_EQ(1u, second.events.size());
   EXPECT_FALSE(listeners->hasListeners(model.port));
+}
+
+// Notes "end" in a log outside itself when a notification returns, and "destroyed" when its own
+// destructor runs. Each change notification first waits a moment, so that another thread can
+// destroy the listener meanwhile, then stops watching the port from inside the notification and
+// writes into a member whose memory the destructor frees.
+class SlowListener : public ConfigurationListener {
+public:
+  SlowListener(const ParameterRef* port, std::vector<std::string>& log, std::mutex& logMutex)
+      : mPort(port), mLog(log), mLogMutex(logMutex) {
+    mNotes.reserve(4);
+  }
+  ~SlowListener() override {
+    stopListeningAndWait();
+    note("destroyed");
+  }
+  void onValueChanged(const ParameterRef*, const ValueChangedArguments&) override {
+    entered = true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    stopListeningTo(mPort);
+    mNotes.push_back(1);
+    note("end");
+  }
+
+  static std::atomic<bool> entered;
+
+private:
+  void note(const char* what) {
+    std::lock_guard<std::mutex> lock(mLogMutex);
+    mLog.push_back(what);
+  }
+
+  const ParameterRef* mPort;
+  std::vector<int> mNotes;
+  std::vector<std::string>& mLog;
+  std::mutex& mLogMutex;
+};
+
+std::atomic<bool> SlowListener::entered(false);
+
+TEST_F(ConfigurationListenerTest, DestroyingAListenerWaitsForItsNotificationOnAnotherThread) {
+  std::vector<std::string> log;
+  std::mutex logMutex;
+  SlowListener* listener = new SlowListener(model.port, log, logMutex);
+  listener->startListeningTo(model.port);
+  listener->startListeningTo(model.db);
+  ValueGroup root(model.spec);
+  root.complete();
+  root.addValue("port", "1");
+  SlowListener::entered = false;
+  std::thread changer([&root] { root.getValue("port").set(2); });
+  while (!SlowListener::entered) {
+    std::this_thread::yield();
+  }
+  delete listener;
+  changer.join();
+  EXPECT_EQ((std::vector<std::string>{"end", "destroyed"}), log);
+  EXPECT_EQ(0u, listeners->getListenerCount());
+}
+
+// Destroys itself, or only stops, from inside its own notification.
+class SelfStoppingListener : public RecordingListener {
+public:
+  explicit SelfStoppingListener(bool destroy) : mDestroy(destroy) {}
+  ~SelfStoppingListener() override { stopListeningAndWait(); }
+  void onValueAdded(const ParameterRef* ref, const ValueAddedArguments& args) override {
+    RecordingListener::onValueAdded(ref, args);
+    if (mDestroy) {
+      delete this;
+    } else {
+      stopListeningAndWait();
+    }
+  }
+
+private:
+  bool mDestroy;
+};
+
+TEST_F(ConfigurationListenerTest, AListenerMayStopOrDestroyItselfInItsOwnNotification) {
+  SelfStoppingListener stopping(false);
+  SelfStoppingListener* destroying = new SelfStoppingListener(true);
+  RecordingListener other;
+  for (ConfigurationListener* listener :
+       std::vector<ConfigurationListener*>{&stopping, destroying, &other}) {
+    listener->startListeningTo(model.spec);
+    listener->startListeningTo(model.db);
+  }
+  ValueGroup root(model.spec);
+  root.complete();
+  root.addValue("port", "1");
+  root.addValue("name", "n");
+  EXPECT_EQ((std::vector<std::string>{"added:port"}), stopping.events);
+  EXPECT_EQ((std::vector<std::string>{"added:port", "added:name"}), other.events);
+  EXPECT_EQ(2u, listeners->getListenerCount());  // the other listener's two items
+  // The stopped listener may watch again.
+  EXPECT_TRUE(stopping.startListeningTo(model.spec));
 }
 
 }  // namespace

@@ -4,11 +4,17 @@
 // specification, a container or one parameter reference. An event goes to the listeners of the
 // nearest watched item only (the parameter reference, else its closest watched container), and
 // only for values in complete trees. Notifications run synchronously on the thread that changed
-// the values. Destroying a listener stops all its watching.
+// the values.
+//
+// Destroying a listener safely: a notification may be running on another thread at the moment a
+// listener is destroyed, and the base destructor runs only after the derived class's members are
+// gone. So a derived class calls stopListeningAndWait() first in its own destructor: from then on
+// no notification reaches it, and one that was running has returned. (The base destructor still
+// stops all watching, for listeners whose notifications touch nothing of the derived class.)
 //
 //   class PortWatcher : public zelk::configuration::ConfigurationListener {
 //   public:
-//     ~PortWatcher() override {}
+//     ~PortWatcher() override { stopListeningAndWait(); }
 //     void onValueChanged(const ParameterRef*, const ValueChangedArguments& args) override {
 //       std::cout << "port is now " << args.mValue->getName() << '\n';
 //     }
@@ -34,7 +40,9 @@ class ConfigurationListenerImpl;
 class ConfigurationListener {
 public:
   ConfigurationListener();
-  // Stops watching every item, then releases the implementation.
+  // Stops watching every item and waits for a notification in progress on another thread (see
+  // stopListeningAndWait), then releases the implementation. By then a derived class's members
+  // are already destroyed: derived classes call stopListeningAndWait() in their own destructor.
   virtual ~ConfigurationListener() = 0;
 
   // The notifications; each does nothing by default.
@@ -54,6 +62,15 @@ public:
   bool stopListeningTo(const Specification* specification);
   bool stopListeningTo(const Container* container);
   bool stopListeningTo(const ParameterRef* parameterRef);
+
+  // Stops watching every item, then waits until a notification that another thread is delivering
+  // to this listener has returned; when it returns, no notification is running in this listener
+  // on another thread and none will start. Called from inside one of this listener's own
+  // notifications it cannot wait for that one: it stops the watching and returns at once, and the
+  // notification finishes as usual. The wait lasts as long as the broadcast in progress (the other
+  // listeners of the same event included), so the caller must not hold anything that a
+  // notification waits for. The listener may start listening again afterwards.
+  void stopListeningAndWait();
 
 private:
   ConfigurationListener(const ConfigurationListener&) = delete;

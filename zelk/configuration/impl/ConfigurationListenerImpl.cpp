@@ -1,5 +1,7 @@
 #include "zelk/configuration/impl/ConfigurationListenerImpl.h"
 
+#include <vector>
+
 #include "zelk/configuration/impl/ListenerManager.h"
 
 namespace zelk::configuration::impl {
@@ -28,12 +30,23 @@ bool ConfigurationListenerImpl::stopListeningTo(const GroupItem* item,
 }
 
 void ConfigurationListenerImpl::stopListeningToAll(ConfigurationListener* listener) {
-  // Lock order: this listener's mutex, then the manager's.
-  boost::mutex::scoped_lock lock(mMutex);
+  // The items are copied out, so that this listener's mutex is never held while the manager's is
+  // taken: a notification on another thread (which holds the manager's mutex) may itself start or
+  // stop watching items of this listener.
+  std::vector<const GroupItem*> items;
+  {
+    boost::mutex::scoped_lock lock(mMutex);
+    items.assign(mItems.begin(), mItems.end());
+  }
   ListenerManager* manager = ListenerManager::getInstance();
-  for (const GroupItem* item : mItems) {
+  for (const GroupItem* item : items) {
     manager->removeListener(listener, item);
   }
+}
+
+void ConfigurationListenerImpl::forgetItems() {
+  boost::mutex::scoped_lock lock(mMutex);
+  mItems.clear();
 }
 
 }  // namespace zelk::configuration::impl

@@ -26,6 +26,9 @@ public:
   bool stopListeningTo(const GroupItem* item, ConfigurationListener* listener);
   // Unregisters listener from every item it watched (the list itself is kept).
   void stopListeningToAll(ConfigurationListener* listener);
+  // Empties the list of watched items, after stopListeningToAll, so that the listener can start
+  // watching them again.
+  void forgetItems();
 
 private:
   std::set<const GroupItem*> mItems;

@@ -57,6 +57,10 @@ void ListenerManager::reset() {
   mListeners.clear();
 }
 
+void ListenerManager::waitForDelivery() const {
+  boost::recursive_mutex::scoped_lock lock(mMutex);
+}
+
 ListenerManager::ListenerMap::const_iterator ListenerManager::findListeners(
     const GroupItem* groupItem) const {
   if (groupItem == 0) {

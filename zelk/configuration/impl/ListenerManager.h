@@ -39,6 +39,10 @@ public:
   bool removeListener(ConfigurationListener* listener, const GroupItem* groupItem);
   // Drops every registration.
   void reset();
+  // Returns once no broadcast is running on another thread. Notifications are delivered under
+  // this manager's mutex, so a listener that was unregistered before this call gets no
+  // notification after it; on a thread that is itself delivering one it returns at once.
+  void waitForDelivery() const;
 
   // Whether groupItem or one of its containers has listeners.
   bool hasListeners(const GroupItem* groupItem) const;
