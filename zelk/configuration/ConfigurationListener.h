@@ -6,6 +6,12 @@
 // only for values in complete trees. Notifications run synchronously on the thread that changed
 // the values.
 //
+// An item is watched by its place in the specification: the specification's id and the ids of the
+// containers down to the item (case ignored), not by the object. A listener therefore keeps
+// watching when enableConfiguration, reset or a reload of the registry makes the specification
+// anew, and never hears about an item it did not ask for, whatever became of the old objects. The
+// same place in another manager is the same place.
+//
 // Destroying a listener safely: a notification may be running on another thread at the moment a
 // listener is destroyed, and the base destructor runs only after the derived class's members are
 // gone. So a derived class calls stopListeningAndWait() first in its own destructor: from then on

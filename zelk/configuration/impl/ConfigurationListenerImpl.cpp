@@ -12,35 +12,37 @@ ConfigurationListenerImpl::~ConfigurationListenerImpl() {}
 
 bool ConfigurationListenerImpl::startListeningTo(const GroupItem* item,
                                                  ConfigurationListener* listener) {
+  const ItemPlace place(*item);
   // The manager's lock is released before this listener's own lock is taken.
-  if (!ListenerManager::getInstance()->addListener(listener, item)) {
+  if (!ListenerManager::getInstance()->addListener(listener, place)) {
     return false;
   }
   boost::mutex::scoped_lock lock(mMutex);
-  return mItems.insert(item).second;
+  return mItems.insert(place).second;
 }
 
 bool ConfigurationListenerImpl::stopListeningTo(const GroupItem* item,
                                                 ConfigurationListener* listener) {
-  if (!ListenerManager::getInstance()->removeListener(listener, item)) {
+  const ItemPlace place(*item);
+  if (!ListenerManager::getInstance()->removeListener(listener, place)) {
     return false;
   }
   boost::mutex::scoped_lock lock(mMutex);
-  return mItems.erase(item) != 0;
+  return mItems.erase(place) != 0;
 }
 
 void ConfigurationListenerImpl::stopListeningToAll(ConfigurationListener* listener) {
-  // The items are copied out, so that this listener's mutex is never held while the manager's is
-  // taken: a notification on another thread (which holds the manager's mutex) may itself start or
-  // stop watching items of this listener.
-  std::vector<const GroupItem*> items;
+  // The places are copied out, so that this listener's mutex is never held while the manager's
+  // is taken: a notification on another thread (which holds the manager's mutex) may itself
+  // start or stop watching places of this listener.
+  std::vector<ItemPlace> places;
   {
     boost::mutex::scoped_lock lock(mMutex);
-    items.assign(mItems.begin(), mItems.end());
+    places.assign(mItems.begin(), mItems.end());
   }
   ListenerManager* manager = ListenerManager::getInstance();
-  for (const GroupItem* item : items) {
-    manager->removeListener(listener, item);
+  for (const ItemPlace& place : places) {
+    manager->removeListener(listener, place);
   }
 }
 
