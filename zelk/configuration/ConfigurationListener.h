@@ -3,8 +3,22 @@
 // Derive from it, override the notifications you need and tell it what to watch: a whole
 // specification, a container or one parameter reference. An event goes to the listeners of the
 // nearest watched item only (the parameter reference, else its closest watched container), and
-// only for values in complete trees. Notifications run synchronously on the thread that changed
-// the values.
+// only for values in complete trees.
+//
+// Notifications run synchronously on the thread that made the change, after the change is in the
+// tree, with no lock of a value tree or of the manager's value cache held, but with the
+// process-wide listener lock held (recursive): notifications are delivered one at a time in the
+// whole process, and the lock is the same one that starting, stopping and destroying listeners
+// take. Inside a notification a listener may:
+//   - read the tree it is told about and any other, and call getValueGroup, composeHelpMessage and
+//     composeUsageMessage;
+//   - change values (the notifications that follow run nested, on the same thread);
+//   - start or stop watching, its own items included, call stopListeningAndWait() on itself (it
+//     returns at once) or destroy itself;
+//   - hand work to another thread that does not need the listener lock.
+// It must not wait for another thread that changes values, starts or stops watching, or destroys
+// a listener: that thread waits for the listener lock, which the notification holds until it
+// returns. Queue such work and return instead.
 //
 // An item is watched by its place in the specification: the specification's id and the ids of the
 // containers down to the item (case ignored), not by the object. A listener therefore keeps
