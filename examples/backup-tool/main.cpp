@@ -43,7 +43,8 @@ const int EXIT_USAGE = 2;
 // Reports every change made to the tool's values after they were read.
 class ChangeReporter : public ConfigurationListener {
 public:
-  ~ChangeReporter() override {}
+  // First of all: no notification may still run in a listener whose members are going.
+  ~ChangeReporter() override { stopListeningAndWait(); }
 
   void onValueAdded(const ParameterRef*, const ValueAddedArguments& args) override {
     std::cout << "listener: " << args.mValue->getName() << " added";

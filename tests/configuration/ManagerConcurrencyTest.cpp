@@ -3,6 +3,8 @@
 // read.
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <future>
 #include <map>
 #include <memory>
 #include <stdexcept>
@@ -11,11 +13,13 @@
 
 #include "configuration/Models.h"
 #include "support/Threads.h"
+#include "zelk/configuration/ConfigurationListener.h"
 #include "zelk/configuration/ConfigurationManager.h"
 #include "zelk/configuration/Value.h"
 #include "zelk/configuration/ValueGroup.h"
 #include "zelk/configuration/impl/ConfigurationManagerImpl.h"
 #include "zelk/configuration/impl/Factory.h"
+#include "zelk/configuration/impl/ListenerManager.h"
 #include "zelk/configuration/impl/ValueAccess.h"
 #include "zelk/configuration/impl/ValueGroupState.h"
 
@@ -160,6 +164,67 @@ TEST_F(ManagerConcurrencyTest, ReadersSeeOneWholeTreeWhileTreesAreExchanged) {
   };
   EXPECT_EQ("", runTogether({reader, reader, reader, exchanger}));
   EXPECT_EQ(EXCHANGES, mManager->getValueGroup("tool0", true, 0).getValue("port0").asInt32());
+}
+
+// In every notification, asks another thread to read what readers read (the tree told about, the
+// cached tree, a tree not cached yet, the help text) and waits for it: this returns only if the
+// notification runs with no lock held that those readers need.
+class WaitingListener : public ConfigurationListener {
+public:
+  explicit WaitingListener(ConfigurationManager& manager) : mManager(manager) {}
+  ~WaitingListener() override { stopListeningAndWait(); }
+
+  void onValueAdded(const ParameterRef*, const ValueAddedArguments& args) override {
+    waitForReader(args.mValue->getName());
+  }
+  void onValueChanged(const ParameterRef*, const ValueChangedArguments& args) override {
+    waitForReader(args.mValue->getName());
+  }
+  void onValueRemoved(const ParameterRef*, const ValueRemovedArguments& args) override {
+    waitForReader(args.mValue->getName());
+  }
+
+  std::vector<std::string> heard;
+  std::vector<std::string> failures;
+
+private:
+  void waitForReader(const std::string& name) {
+    heard.push_back(name);
+    std::shared_ptr<std::promise<void>> done(new std::promise<void>);
+    std::future<void> read = done->get_future();
+    ConfigurationManager& manager = mManager;
+    std::thread([&manager, done] {
+      const ValueGroup cached = manager.getValueGroup("tool0", false, 0);
+      cached.getValue("port0").asInt32();
+      cached.getValue("name0");
+      manager.getValueGroup("tool1", false, 0).getValue("port1").asInt32();
+      manager.composeHelpMessage("tool0", 80, 30);
+      done->set_value();
+    }).detach();
+    // A reader blocked by a lock held here would never finish.
+    if (read.wait_for(std::chrono::seconds(10)) != std::future_status::ready) {
+      failures.push_back("a reader was blocked during the notification for " + name);
+    }
+  }
+
+  ConfigurationManager& mManager;
+};
+
+TEST_F(ManagerConcurrencyTest, NotificationsOfChangesOnAnotherThreadLetReadersIn) {
+  impl::ListenerManager::getInstance()->reset();
+  WaitingListener listener(*mManager);
+  listener.startListeningTo(mSpecs[0]);
+  ValueGroup cached = mManager->getValueGroup("tool0", false, 0);
+  std::thread changer([&cached] {
+    cached.addValue("port0", "5");
+    cached.getValue("port0").set(6);
+    cached.addValue("name0", "n");
+    cached.remove("name0");
+  });
+  changer.join();
+  EXPECT_EQ((std::vector<std::string>{"port0", "port0", "name0", "name0"}), listener.heard);
+  EXPECT_EQ(std::vector<std::string>(), listener.failures);
+  impl::ListenerManager::getInstance()->reset();
 }
 
 }  // namespace

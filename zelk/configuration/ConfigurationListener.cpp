@@ -4,13 +4,19 @@
 #include "zelk/configuration/ParameterRef.h"
 #include "zelk/configuration/Specification.h"
 #include "zelk/configuration/impl/ConfigurationListenerImpl.h"
+#include "zelk/configuration/impl/ListenerManager.h"
 #include "zelk/util/Contracts.h"
 
 namespace zelk::configuration {
 
 ConfigurationListener::ConfigurationListener() : mImpl(new impl::ConfigurationListenerImpl()) {}
 
-ConfigurationListener::~ConfigurationListener() { mImpl->stopListeningToAll(this); }
+ConfigurationListener::~ConfigurationListener() {
+  mImpl->stopListeningToAll(this);
+  // A notification that started before may still be running on another thread; the memory of
+  // this object must outlive it.
+  impl::ListenerManager::getInstance()->waitForDelivery();
+}
 
 void ConfigurationListener::onValueAdded(const ParameterRef*, const ValueAddedArguments&) {}
 
@@ -51,6 +57,12 @@ bool ConfigurationListener::stopListeningTo(const Container* container) {
 bool ConfigurationListener::stopListeningTo(const ParameterRef* parameterRef) {
   ZELK_CONTRACT(parameterRef != 0);
   return mImpl->stopListeningTo(parameterRef, this);
+}
+
+void ConfigurationListener::stopListeningAndWait() {
+  mImpl->stopListeningToAll(this);
+  mImpl->forgetItems();
+  impl::ListenerManager::getInstance()->waitForDelivery();
 }
 
 }  // namespace zelk::configuration

@@ -1,5 +1,7 @@
 #include "zelk/configuration/impl/ListenerManager.h"
 
+#include <vector>
+
 #include <boost/thread/once.hpp>
 
 #include "zelk/configuration/ConfigurationListener.h"
@@ -7,6 +9,7 @@
 #include "zelk/configuration/ParameterRef.h"
 #include "zelk/configuration/ValueBase.h"
 #include "zelk/configuration/ValueGroup.h"
+#include "zelk/configuration/impl/ItemPlace.h"
 #include "zelk/util/Contracts.h"
 
 namespace zelk::configuration::impl {
@@ -17,7 +20,7 @@ boost::once_flag gInstanceOnce = BOOST_ONCE_INIT;
 
 ListenerManager* ListenerManager::smInstance = 0;
 
-ListenerManager::ListenerManager() {}
+ListenerManager::ListenerManager() : mRegistrations(0), mLastSerial(0) {}
 
 ListenerManager::~ListenerManager() {}
 
@@ -32,89 +35,143 @@ ListenerManager* ListenerManager::getInstance() {
 bool ListenerManager::addListener(ConfigurationListener* listener, const GroupItem* groupItem) {
   ZELK_CONTRACT(groupItem != 0);
   ZELK_CONTRACT(listener != 0);
+  return addListener(listener, ItemPlace(*groupItem));
+}
+
+bool ListenerManager::addListener(ConfigurationListener* listener, const ItemPlace& place) {
+  ZELK_CONTRACT(listener != 0);
   boost::recursive_mutex::scoped_lock lock(mMutex);
-  return mListeners[groupItem].insert(listener).second;
+  Place* at = &mRoot;
+  for (const std::string& id : place.getIds()) {
+    std::unique_ptr<Place>& below = at->below[id];
+    if (!below) {
+      below.reset(new Place);
+      below->serial = ++mLastSerial;
+    }
+    at = below.get();
+  }
+  const bool inserted = at->listeners.insert(listener).second;
+  if (inserted) {
+    ++mRegistrations;
+  }
+  return inserted;
 }
 
 bool ListenerManager::removeListener(ConfigurationListener* listener,
                                      const GroupItem* groupItem) {
   ZELK_CONTRACT(groupItem != 0);
   ZELK_CONTRACT(listener != 0);
+  return removeListener(listener, ItemPlace(*groupItem));
+}
+
+bool ListenerManager::removeListener(ConfigurationListener* listener, const ItemPlace& place) {
+  ZELK_CONTRACT(listener != 0);
   boost::recursive_mutex::scoped_lock lock(mMutex);
-  const ListenerMap::iterator entry = mListeners.find(groupItem);
-  if (entry == mListeners.end()) {
+  // The places from the top down to the one of the registration.
+  std::vector<Place*> path(1, &mRoot);
+  for (const std::string& id : place.getIds()) {
+    const auto below = path.back()->below.find(id);
+    if (below == path.back()->below.end()) {
+      return false;
+    }
+    path.push_back(below->second.get());
+  }
+  if (path.back()->listeners.erase(listener) == 0) {
     return false;
   }
-  const bool erased = entry->second.erase(listener) != 0;
-  if (entry->second.empty()) {
-    mListeners.erase(entry);
+  --mRegistrations;
+  // Places left with nothing at or below them go, from the bottom up.
+  for (size_t i = path.size() - 1; i > 0; --i) {
+    if (!path[i]->listeners.empty() || !path[i]->below.empty()) {
+      break;
+    }
+    path[i - 1]->below.erase(place.getIds()[i - 1]);
   }
-  return erased;
+  return true;
 }
 
 void ListenerManager::reset() {
   boost::recursive_mutex::scoped_lock lock(mMutex);
-  mListeners.clear();
+  mRoot.below.clear();
+  mRegistrations = 0;
 }
 
-ListenerManager::ListenerMap::const_iterator ListenerManager::findListeners(
-    const GroupItem* groupItem) const {
-  if (groupItem == 0) {
-    return mListeners.end();
-  }
+void ListenerManager::waitForDelivery() const {
   boost::recursive_mutex::scoped_lock lock(mMutex);
-  // Only the nearest watched item counts: listeners further up are not called.
-  for (const GroupItem* item = groupItem; item != 0; item = item->getContainer()) {
-    const ListenerMap::const_iterator entry = mListeners.find(item);
-    if (entry != mListeners.end()) {
-      return entry;
-    }
+}
+
+const ListenerManager::Place* ListenerManager::descend(const GroupItem* groupItem,
+                                                       const Place*& nearest) const {
+  const GroupItem* container = groupItem->getContainer();
+  const Place* above = container == 0 ? &mRoot : descend(container, nearest);
+  if (above == 0) {
+    return 0;
   }
-  return mListeners.end();
+  const auto below = above->below.find(groupItem->getId());
+  if (below == above->below.end()) {
+    return 0;
+  }
+  const Place* place = below->second.get();
+  if (!place->listeners.empty()) {
+    nearest = place;
+  }
+  return place;
+}
+
+const ListenerManager::Place* ListenerManager::findPlace(const GroupItem* groupItem) const {
+  if (groupItem == 0 || mRoot.below.empty()) {
+    return 0;
+  }
+  // Only the nearest watched place counts: listeners further up are not called.
+  const Place* nearest = 0;
+  descend(groupItem, nearest);
+  return nearest;
+}
+
+const ListenerManager::ListenerSet* ListenerManager::findListeners(
+    const GroupItem* groupItem) const {
+  boost::recursive_mutex::scoped_lock lock(mMutex);
+  const Place* place = findPlace(groupItem);
+  return place != 0 ? &place->listeners : 0;
 }
 
 bool ListenerManager::hasListeners(const GroupItem* groupItem) const {
-  boost::recursive_mutex::scoped_lock lock(mMutex);
-  return findListeners(groupItem) != mListeners.end();
+  return findListeners(groupItem) != 0;
 }
 
 size_t ListenerManager::getListenerCount(const GroupItem* groupItem) const {
   boost::recursive_mutex::scoped_lock lock(mMutex);
-  const ListenerMap::const_iterator entry = findListeners(groupItem);
-  return entry == mListeners.end() ? 0 : entry->second.size();
+  const ListenerSet* listeners = findListeners(groupItem);
+  return listeners != 0 ? listeners->size() : 0;
 }
 
 size_t ListenerManager::getListenerCount() const {
   boost::recursive_mutex::scoped_lock lock(mMutex);
-  size_t count = 0;
-  for (const ListenerMap::value_type& entry : mListeners) {
-    count += entry.second.size();
-  }
-  return count;
+  return mRegistrations;
 }
 
 template <typename Notify>
 void ListenerManager::broadcast(const GroupItem* groupItem, Notify notify) {
   boost::recursive_mutex::scoped_lock lock(mMutex);
-  ListenerMap::const_iterator entry = findListeners(groupItem);
-  if (entry == mListeners.end()) {
+  const Place* watched = findPlace(groupItem);
+  if (watched == 0) {
     return;
   }
-  const GroupItem* const watched = entry->first;
-  // Listeners are called in ascending pointer order. Each step looks the set up again, so that
-  // a listener that stops listening from inside its notification does not break the walk.
-  ListenerSet::const_iterator position = entry->second.begin();
-  while (position != entry->second.end()) {
+  const uint64_t serial = watched->serial;
+  // Listeners are called in ascending pointer order. A notification may start or stop watching
+  // (its own place included), so each step looks the place up again and goes on only while the
+  // same place is still the nearest watched one; the saved pointer is never followed.
+  ListenerSet::const_iterator position = watched->listeners.begin();
+  while (position != watched->listeners.end()) {
     ConfigurationListener* const listener = *position;
     notify(listener);
-    entry = mListeners.find(watched);
-    if (entry == mListeners.end()) {
+    watched = findPlace(groupItem);
+    if (watched == 0 || watched->serial != serial) {
       return;
     }
-    position = entry->second.upper_bound(listener);
+    position = watched->listeners.upper_bound(listener);
   }
 }
-
 void ListenerManager::broadcastValueAdded(const ParameterRef* parameterRef,
                                           const ValueAddedArguments& args) {
   if (args.mValue == 0 || !args.mValue->isComplete()) {
