@@ -218,6 +218,10 @@ TEST_F(ValueFollowingTest, ASwappedSymbolicLinkToADirectoryIsFollowed) {
     ASSERT_TRUE(mRecord.waitApplied(version - 1));
     EXPECT_EQ(std::to_string(version), port());
   }
+  // The directory the link leads to now is watched too: an edit in place there is seen.
+  test::writeTextFile(dir + "/..v3/svc.config", values("4"));
+  ASSERT_TRUE(mRecord.waitApplied(3));
+  EXPECT_EQ("4", port());
 }
 
 TEST_F(ValueFollowingTest, ABurstOfWritesIsOneChangeAndUnchangedContentNone) {
