@@ -219,3 +219,9 @@ if(ZELK_INSTALL)
       -P ${CMAKE_CURRENT_SOURCE_DIR}/tools/installed-example.cmake)
   set_tests_properties(installed-example PROPERTIES LABELS "tools;package")
 endif()
+
+# -values -watch: a good and a bad save to a copy of the example installation, then SIGTERM.
+add_test(NAME zelk-config.watch
+  COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/tools/watch.sh ${zc} ${ZELK_EXAMPLE_INSTALLATION}
+    ${CMAKE_CURRENT_BINARY_DIR}/watch)
+set_tests_properties(zelk-config.watch PROPERTIES LABELS tools)

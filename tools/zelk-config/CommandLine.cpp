@@ -101,6 +101,10 @@ void readOptions(const ValueGroup& values, Options& options) {
     options.formatFlag = "-json";
   }
   options.exportFile = textGiven(values, "export");
+  options.watch = flagGiven(values, "watch");
+  if (options.watch && options.command != findCommand("values")) {
+    throw std::invalid_argument("-watch goes with -values");
+  }
   options.etcd = textGiven(values, "cluster");
   options.publish = flagGiven(values, "publish");
   const Value revision = values.getValue("revision", nullptr, false);

@@ -29,6 +29,7 @@
 #include "Publisher.h"
 #include "SourceTracker.h"
 #include "ValuesSink.h"
+#include "ValuesWatch.h"
 #include "zelk/configuration/ConfigurationManager.h"
 #include "zelk/configuration/Container.h"
 #include "zelk/configuration/EnumDefinition.h"
@@ -330,6 +331,10 @@ int runValues(const CommandContext& context) {
   ValuesWalker(*sink, sources).walkGroup(values, sources.getReplay(),
                                          *specification->getItemsContainer());
   sink->end();
+  if (options.watch) {
+    context.out.flush();
+    return watchValues(*manager, options.specification.c_str(), context.out);
+  }
   return EXIT_CLEAN;
 }
 

@@ -193,6 +193,15 @@ ValueGroup ConfigurationManager::getValueGroup(const char* specificationId, bool
   return mImpl->getValueGroup(specificationId, required, flags);
 }
 
+void ConfigurationManager::followValues(const char* specificationId,
+                                        const FollowOptions& options) {
+  mImpl->followValues(specificationId, options);
+}
+
+void ConfigurationManager::stopFollowing() { mImpl->stopFollowing(); }
+
+bool ConfigurationManager::isFollowing() const { return mImpl->isFollowing(); }
+
 void ConfigurationManager::setApplicationValues(const ValueGroup& values, int flags) {
   mImpl->setApplicationValues(values, flags);
 }

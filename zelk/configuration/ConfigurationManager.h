@@ -22,6 +22,7 @@
 #include <boost/scoped_ptr.hpp>
 
 #include "zelk/configuration/ConfigurationManagerBase.h"
+#include "zelk/configuration/FollowOptions.h"
 #include "zelk/util/IEnumerator.h"
 
 namespace zelk::configuration {
@@ -144,6 +145,35 @@ public:
   // Installs the application's own values (they take precedence over every other provider). The
   // group installed before is let go unchanged.
   void setApplicationValues(const ValueGroup& values, int flags);
+  // Follows the value sources of the enabled configuration while the application runs: the
+  // "-loadConfiguration" files, the application's file and "machine.config" (also when it is
+  // created later), and every change source added in code. Each file is watched through its
+  // directory (inotify), so that rename-over saves, delete and re-create, and a swapped symbolic
+  // link to a directory are followed; where inotify cannot be had the files are polled at
+  // options.pollInterval, and the main log says so. A change is read into a new tree for
+  // specificationId and checked as getValueGroup checks it, and every value is converted to its
+  // type and checked by its parameter's validator. A good change is put in force at once: later
+  // getValueGroup calls (for any specification) hand out the new values, trees handed out
+  // earlier stay as they were, and the listeners are told of every value and group added,
+  // changed or removed, once, on the following thread, with no lock of this manager held. A bad
+  // change is refused: every error goes to options.onRefused and the main log, and the values in
+  // force stay exactly as they were. Content equal to the content in force causes nothing.
+  //
+  // Starts by reading the values of specificationId once (so it throws as getValueGroup does,
+  // and ConfigurationException "The "%s" specification was not found"); a following started
+  // before is stopped first. Listeners and callbacks run on the following thread: they may read
+  // values, but must not call followValues, stopFollowing, reset or enableConfiguration (that
+  // throws ConfigurationException), nor wait for a thread that does.
+  //
+  //   FollowOptions options;
+  //   options.onRefused = [](const RefusedChange& r) { for (auto& e : r.errors) log(e); };
+  //   manager->followValues("backup", options);
+  void followValues(const char* specificationId, const FollowOptions& options = FollowOptions());
+  // Stops following: no listener or callback is called for a change after this returns. Also
+  // done by reset(), enableConfiguration() and the destructor. Does nothing when not following.
+  void stopFollowing();
+  bool isFollowing() const;
+
   // Matches values to specification and validates them; with a collector the errors are added to
   // it, without one a ValidationException is thrown.
   void validateValues(const Specification& specification, ValueGroup& values,

@@ -2,7 +2,9 @@
 
 #include <strings.h>
 
+#include <algorithm>
 #include <exception>
+#include <iterator>
 #include <memory>
 #include <new>
 #include <set>
@@ -21,8 +23,10 @@
 #include "zelk/configuration/Parameter.h"
 #include "zelk/configuration/Specification.h"
 #include "zelk/configuration/ValidationErrors.h"
+#include "zelk/configuration/ValidationException.h"
 #include "zelk/configuration/Validator.h"
 #include "zelk/configuration/Value.h"
+#include "zelk/configuration/ValueBase.h"
 #include "zelk/configuration/ValueGroup.h"
 #include "zelk/configuration/ValueProvider.h"
 #include "zelk/configuration/XmlFileValueProvider.h"
@@ -40,7 +44,10 @@
 #include "zelk/configuration/impl/ValueGroupItemStringGenerator.h"
 #include "zelk/configuration/impl/ValueGroupState.h"
 #include "zelk/configuration/impl/ValueGroupValidator.h"
+#include "zelk/configuration/impl/ValueFollower.h"
 #include "zelk/configuration/impl/ValueProviderImpl.h"
+#include "zelk/configuration/impl/ValueState.h"
+#include "zelk/configuration/impl/ValueTreeDiff.h"
 #include "zelk/configuration/impl/XmlFileValueProviderImpl.h"
 #include "zelk/host/ExtensionPoint.h"
 #include "zelk/host/HostDirectories.h"
@@ -48,6 +55,7 @@
 #include "zelk/host/HostMainLog.h"
 #include "zelk/host/HostProcess.h"
 #include "zelk/host/XmlTokenReader.h"
+#include "zelk/util/CaseInsensitiveHash.h"
 #include "zelk/util/Contracts.h"
 #include "zelk/util/StringFunctions.h"
 #include "zelk/util/VectorWrapper.h"
@@ -108,6 +116,11 @@ ConfigurationManagerImpl::ConfigurationManagerImpl(ConfigurationManager* self)
 }
 
 ConfigurationManagerImpl::~ConfigurationManagerImpl() {
+  try {
+    stopFollowing();
+  } catch (...) {
+    // Destroyed from a following callback: the following thread cannot be joined from itself.
+  }
   clearCaches();
   if (mValidatorExtensionPoint != 0) {
     mValidatorExtensionPoint->~ExtensionPoint();
@@ -124,6 +137,7 @@ ConfigurationManager* ConfigurationManagerImpl::getSelf() const {
 
 void ConfigurationManagerImpl::registerValueProvider(ValueProvider* provider) {
   ZELK_CONTRACT(provider != 0);
+  std::lock_guard<std::recursive_mutex> lock(mComputeMutex);
   mValueProviders.add(provider->getId(), provider);
   // The provider resolves specifications in the manager that holds it.
   provider->getImpl()->setManager(mSelf);
@@ -143,8 +157,13 @@ bool ConfigurationManagerImpl::unregisterValueProvider(const char* name) {
       if (provider->getManager() == mSelf) {
         provider->setManager(0);
       }
+      // A value file taken back by the application is no longer one of this manager's.
+      for (auto file = mValueFiles.begin(); file != mValueFiles.end();) {
+        file = file->provider == it->second ? mValueFiles.erase(file) : file + 1;
+      }
     }
   }
+  std::lock_guard<std::recursive_mutex> lock(mComputeMutex);
   return mValueProviders.remove(name);
 }
 
@@ -445,9 +464,13 @@ bool ConfigurationManagerImpl::loadConfigurationFile(const std::string& path,
       throw;
     }
     provider->enableProvider(file.c_str(), 0);
+    mValueFiles.push_back(ValueFileSource::File{file, provider, provider->getPriority(),
+                                                ignoreIfMissing});
     return true;
   }
   if (ignoreIfMissing) {
+    // Followed all the same: it may be created while the application runs.
+    mValueFiles.push_back(ValueFileSource::File{file, 0, mNextPriority, true});
     return false;
   }
   throw ConfigurationException("File \"%s\" was not found", file.c_str());
@@ -517,10 +540,13 @@ void ConfigurationManagerImpl::reset() {
 }
 
 void ConfigurationManagerImpl::clearCaches() {
+  // Following reads the providers and sources cleared here.
+  stopFollowing();
   // Values first: they point into the specifications, which point to the global items. Trees
   // handed out may still hold the generation; the objects then live on with them.
   clearValueCache();
   mChangeSources.clear();
+  mValueFiles.clear();
   mValueProviders.clear();
   mGeneration->retire(mSpecifications.release(), mGlobalItems.release(), mValidators.release(),
                       mEnumDefinitions.release());
@@ -606,16 +632,26 @@ boost::shared_ptr<ValueGroupState> ConfigurationManagerImpl::exchangeCachedValue
 
 ValueGroup ConfigurationManagerImpl::getValues(const Specification& specification,
                                                int flags) const {
+  // Registry key order: "APP_VALUES", then "CLI", then the "XML_FILE"s in registration order, so
+  // that the first answer for a bounded value wins in that order.
+  std::lock_guard<std::recursive_mutex> compute(mComputeMutex);
+  std::vector<ValueProvider*> providers;
+  providers.reserve(mValueProviders.size());
+  for (ValueProviderMap::ConstIterator it = mValueProviders.begin(); it != mValueProviders.end();
+       ++it) {
+    providers.push_back(it->second);
+  }
+  return getValues(specification, flags, providers);
+}
+
+ValueGroup ConfigurationManagerImpl::getValues(const Specification& specification, int flags,
+                                               const std::vector<ValueProvider*>& providers) const {
   // Each provider skips the required and one-of checks: only the merged tree can be judged on
   // those.
   const int PROVIDER_FLAGS = 0x14;
   std::lock_guard<std::recursive_mutex> compute(mComputeMutex);
   ValueGroup result(&specification);
-  // Registry key order: "APP_VALUES", then "CLI", then the "XML_FILE"s in registration order, so
-  // that the first answer for a bounded value wins in that order.
-  boost::scoped_ptr<IEnumerator<ValueProvider*> > providers(getValueProviderEnumerator());
-  for (; providers->hasNext(); providers->moveNext()) {
-    ValueProvider* provider = providers->getCurrent();
+  for (ValueProvider* provider : providers) {
     if (!provider->getEnabled()) {
       continue;
     }
@@ -646,6 +682,7 @@ void ConfigurationManagerImpl::clearValueCache() {
 }
 
 void ConfigurationManagerImpl::setApplicationValues(const ValueGroup& values, int flags) {
+  std::lock_guard<std::recursive_mutex> lock(mComputeMutex);
   ValueProvider* provider = getValueProvider(ConfigurationManager::APPLICATION_PROVIDER_NAME);
   if (provider == 0) {
     provider = new ApplicationValueProvider(0, "");
@@ -742,6 +779,202 @@ const char* ConfigurationManagerImpl::getRepresentation(const GroupItem& item) {
 
 const char* ConfigurationManagerImpl::getRepresentation(const Specification& specification) {
   return getRepresentation(*specification.getItemsContainer());
+}
+
+// Following.
+
+namespace {
+
+// Appends the conversion and validator errors of every value of group to errors.
+void checkTexts(const ValueGroup& group, ValidationErrors& errors) {
+  for (size_t i = 0; i < group.getItemCount(); ++i) {
+    const boost::shared_ptr<ValueGroupItem> item = group.getItem(i);
+    if (item->isValueGroup()) {
+      checkTexts(static_cast<const ValueGroup&>(*item), errors);
+    } else if (const boost::shared_ptr<ValueState> state =
+                   ValueAccess::peekState(static_cast<const ValueBase&>(*item))) {
+      state->checkTexts(errors);
+    }
+  }
+}
+
+void addErrors(const ValidationErrors& from, std::vector<std::string>& to) {
+  for (size_t i = 0; i < from.getNumberOfErrors(); ++i) {
+    to.push_back(from.getError(i));
+  }
+}
+
+std::string joined(const std::vector<std::string>& texts, const char* separator) {
+  std::string result;
+  for (size_t i = 0; i < texts.size(); ++i) {
+    result += i == 0 ? "" : separator;
+    result += texts[i];
+  }
+  return result;
+}
+
+}  // namespace
+
+void ConfigurationManagerImpl::followValues(const char* specificationId,
+                                            const FollowOptions& options) {
+  ZELK_CONTRACT(specificationId != 0 && *specificationId != '\0');
+  stopFollowing();
+  // The tree in force when following starts: changes are told against it.
+  getCachedValues(specificationId, false, options.flags);
+  mValueFileSource.reset(new ValueFileSource(*this, mValueFiles, options.forcePolling,
+                                             options.pollInterval));
+  std::vector<ChangeSource*> sources(1, mValueFileSource.get());
+  for (const std::unique_ptr<ChangeSource>& source : mChangeSources) {
+    sources.push_back(source.get());
+  }
+  mFollower.reset(new ValueFollower(*this, specificationId, options, sources));
+  try {
+    mFollower->start();
+  } catch (...) {
+    mFollower.reset();
+    mValueFileSource.reset();
+    throw;
+  }
+  std::vector<std::string> paths;
+  for (const ValueFileSource::File& file : mValueFiles) {
+    paths.push_back("\"" + file.path + "\"");
+  }
+  const std::string text = std::string("followValues:\n [specification = \"") + specificationId +
+                           "\"]\n [files = " + joined(paths, ", ") + "]";
+  zelk::host::hostAddToMainLog(LOG_CATEGORY, text.c_str());
+}
+
+void ConfigurationManagerImpl::stopFollowing() {
+  if (mFollower) {
+    mFollower->stop();
+    mFollower.reset();
+  }
+  mValueFileSource.reset();
+}
+
+bool ConfigurationManagerImpl::isPollingValueFiles() const {
+  return mValueFileSource && mValueFileSource->isPolling();
+}
+
+void ConfigurationManagerImpl::applyFollowedChange(ValueFollower& follower) {
+  const FollowOptions& options = follower.getOptions();
+  const char* specificationId = follower.getSpecificationId().c_str();
+  ProviderChanges changes;
+  ValidationErrors errors;
+  std::vector<std::string> problems;
+  ValueGroup after;
+  std::vector<ValueProvider*> replaced;
+  boost::shared_ptr<ValueGroupState> before;
+  try {
+    for (ChangeSource* source : follower.getSources()) {
+      source->reread(changes, errors);
+    }
+    addErrors(errors, problems);
+    if (problems.empty() && changes.empty()) {
+      return;
+    }
+    const Specification* specification = getSpecification(specificationId);
+    if (specification == 0) {
+      throw ConfigurationException("The \"%s\" specification was not found", specificationId);
+    }
+    std::lock_guard<std::recursive_mutex> providersLock(mComputeMutex);
+    // The registered providers with the proposed ones in their places.
+    std::vector<ValueProvider*> providers;
+    if (problems.empty()) {
+      for (ValueProviderMap::ConstIterator it = mValueProviders.begin();
+           it != mValueProviders.end(); ++it) {
+        providers.push_back(it->second);
+      }
+      for (const ProviderChanges::Change& change : changes.get()) {
+        auto place = std::find(providers.begin(), providers.end(), change.current);
+        if (change.current != 0 && place != providers.end()) {
+          replaced.push_back(change.current);
+          if (change.replacement != 0) {
+            *place = change.replacement;
+          } else {
+            providers.erase(place);
+          }
+        } else if (change.replacement != 0) {
+          // After the last provider whose id sorts at or before the new one's.
+          const std::string id = change.replacement->getId();
+          auto next = providers.begin();
+          while (next != providers.end() && std::string((*next)->getId()) <= id) {
+            ++next;
+          }
+          providers.insert(next, change.replacement);
+        }
+      }
+      ValidationErrors checks;
+      try {
+        after = getValues(*specification, options.flags, providers);
+        if (after.isNull()) {
+          after = ValueGroup(specification);
+        }
+        after.complete();
+        checkTexts(after, checks);
+      } catch (const ValidationException& e) {
+        addErrors(e.getErrors(), problems);
+      }
+      addErrors(checks, problems);
+    }
+    if (problems.empty()) {
+      // In force from here: the providers and the cache change together. Re-added in the order
+      // of providers, a replacement keeps the place of the provider it replaces among those of
+      // its id.
+      mValueProviders.release();
+      for (ValueProvider* provider : providers) {
+        mValueProviders.add(provider->getId(), provider);
+      }
+      changes.release();
+      before = exchangeCachedValues(specificationId, ValueAccess::peekState(after));
+      // Other specifications are gathered again from the new providers when next asked.
+      std::unique_lock<std::shared_mutex> cacheLock(mValueCacheMutex);
+      for (ValueCache::iterator entry = mValueCache.begin(); entry != mValueCache.end();) {
+        entry = zelk::caseInsensitiveEqual(entry->first.c_str(), specificationId)
+                    ? std::next(entry)
+                    : mValueCache.erase(entry);
+      }
+    }
+  } catch (const std::exception& e) {
+    problems.push_back(e.what());
+  }
+  if (!problems.empty()) {
+    replaced.clear();
+  }
+  const std::vector<std::string> sources = changes.getSources();
+  if (!problems.empty()) {
+    const std::string text = "followValues: [refused]\n [sources = " + joined(sources, ", ") +
+                             "]\n " + joined(problems, "\n ");
+    zelk::host::hostAddToMainLog(LOG_CATEGORY, text.c_str());
+    if (options.onRefused) {
+      options.onRefused(RefusedChange{sources, problems});
+    }
+    return;
+  }
+  for (ChangeSource* source : follower.getSources()) {
+    source->applied(changes);
+  }
+  for (ValueProvider* provider : replaced) {
+    destroy(provider);
+  }
+  // Told with no lock of this manager held: listeners may read values.
+  const std::vector<ValueTreeDiff::Entry> entries =
+      ValueTreeDiff::compare(ValueGroup(before), after);
+  if (entries.empty()) {
+    return;
+  }
+  ValueTreeDiff::broadcast(entries);
+  AppliedChange applied;
+  applied.sources = sources;
+  for (const ValueTreeDiff::Entry& entry : entries) {
+    applied.changes.push_back(entry.change);
+  }
+  const std::string text = "followValues: [applied]\n [sources = " + joined(sources, ", ") +
+                           "]\n [changes = " + std::to_string(entries.size()) + "]";
+  zelk::host::hostAddToMainLog(LOG_CATEGORY, text.c_str());
+  if (options.onApplied) {
+    options.onApplied(applied);
+  }
 }
 
 }  // namespace zelk::configuration::impl

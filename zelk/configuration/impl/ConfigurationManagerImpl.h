@@ -18,6 +18,7 @@
 #include "zelk/configuration/ConfigurationManager.h"
 #include "zelk/configuration/impl/ObjectMap.h"
 #include "zelk/configuration/impl/RegistryGeneration.h"
+#include "zelk/configuration/impl/ValueFileSource.h"
 #include "zelk/util/CaseInsensitiveLess.h"
 
 namespace zelk::host {
@@ -27,6 +28,7 @@ class ExtensionPoint;
 namespace zelk::configuration::impl {
 
 class ChangeSource;
+class ValueFollower;
 class ValueGroupState;
 
 class ConfigurationManagerImpl {
@@ -140,6 +142,9 @@ public:
   boost::shared_ptr<ValueGroupState> exchangeCachedValues(
       const char* specificationId, const boost::shared_ptr<ValueGroupState>& values);
   // Empties the cache; the trees are released after the cache lock is let go.
+  // The same over the given providers, in the given order.
+  ValueGroup getValues(const Specification& specification, int flags,
+                       const std::vector<ValueProvider*>& providers) const;
   void clearValueCache();
   // Holds the lock under which trees are computed from the providers, so that a caller that
   // replaces providers while readers may be computing trees does so between two computations.
@@ -179,6 +184,18 @@ public:
     return mChangeSources;
   }
 
+  // Following (see ConfigurationManager::followValues).
+  void followValues(const char* specificationId, const FollowOptions& options);
+  void stopFollowing();
+  bool isFollowing() const { return mFollower != nullptr; }
+  // True while the value files are polled rather than watched through inotify.
+  bool isPollingValueFiles() const;
+  // On the following thread: asks every source for its changes, builds and checks the new tree,
+  // and puts it in force (then tells the listeners) or refuses it. Never throws.
+  void applyFollowedChange(ValueFollower& follower);
+  // The value files loaded by enableConfiguration, in load order.
+  const std::vector<ValueFileSource::File>& getValueFiles() const { return mValueFiles; }
+
 private:
   ConfigurationManagerImpl(const ConfigurationManagerImpl&) = delete;
   ConfigurationManagerImpl& operator=(const ConfigurationManagerImpl&) = delete;
@@ -192,6 +209,9 @@ private:
   ValidatorMap mValidators;
   ValueProviderMap mValueProviders;
   std::vector<std::unique_ptr<ChangeSource> > mChangeSources;
+  std::vector<ValueFileSource::File> mValueFiles;
+  std::unique_ptr<ValueFileSource> mValueFileSource;
+  std::unique_ptr<ValueFollower> mFollower;
   std::string mRepresentation;
   int32_t mNextPriority;
   std::size_t mMaxFileSize;

@@ -1,6 +1,7 @@
 #include "zelk/configuration/impl/ValueState.h"
 
 #include <cstring>
+#include <memory>
 #include <string>
 #include <type_traits>
 
@@ -10,6 +11,7 @@
 #include "zelk/configuration/Parameter.h"
 #include "zelk/configuration/ParameterRef.h"
 #include "zelk/configuration/ValidationErrors.h"
+#include "zelk/configuration/Validator.h"
 #include "zelk/configuration/impl/Convert.h"
 #include "zelk/configuration/impl/ValueTypeTable.h"
 #include "zelk/util/Contracts.h"
@@ -359,6 +361,24 @@ void ValueState::validateText(const char* text, ValidationErrors& errors) const 
   const ValueTypeInfo* info = ValueTypeTable::find(type);
   if (info != 0 && info->check != 0) {
     info->check(text, &errors);
+  }
+}
+
+void ValueState::checkTexts(ValidationErrors& errors) const {
+  const std::vector<std::string> texts = getTexts();
+  const Parameter* parameter = getParameter();
+  const Validator* validator = parameter != 0 ? parameter->getValidator() : 0;
+  for (const std::string& text : texts) {
+    const size_t before = errors.getNumberOfErrors();
+    validateText(text.c_str(), errors);
+    if (validator == 0 || errors.getNumberOfErrors() != before) {
+      continue;
+    }
+    std::unique_ptr<char[]> rejection(validator->validate(text.c_str()));
+    if (rejection) {
+      errors.addError("The value \"%s\" of \"%s\" is rejected by the \"%s\" validator: %s",
+                      text.c_str(), getName(), validator->getName(), rejection.get());
+    }
   }
 }
 

@@ -126,6 +126,10 @@ public:
   // for an unmatched value.
   boost::shared_ptr<ValueState> saveOldValue(size_t index) const;
 
+  // Appends to errors what reading this value would meet: each text that does not convert to the
+  // value's type, and each text its parameter's validator rejects ("The value "<text>" of
+  // "<name>" is rejected by the "<validator>" validator: <its message>").
+  void checkTexts(ValidationErrors& errors) const;
   // Passes when the value is untyped or of type requested; else throws "This value is not %s %s".
   void validateValueType(int requested) const;
   // Throws "'%s' is a default value, it cannot be modified" for a default value holding texts.
