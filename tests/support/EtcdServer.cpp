@@ -173,6 +173,14 @@ int64_t EtcdServer::remove(const std::string& key) { return mClient->remove(key)
 
 void EtcdServer::compact(int64_t revision) { mClient->compact(revision); }
 
+void EtcdServer::enableAuthentication(const std::string& user, const std::string& password) {
+  // Only the root user may turn authentication on.
+  mClient->call("/v3/auth/user/add", "{\"name\":\"" + user + "\",\"password\":\"" + password + "\"}");
+  mClient->call("/v3/auth/role/add", "{\"name\":\"root\"}");
+  mClient->call("/v3/auth/user/grant", "{\"user\":\"" + user + "\",\"role\":\"root\"}");
+  mClient->call("/v3/auth/enable", "{}");
+}
+
 std::string EtcdServer::unusedEndpoint() {
   return "http://127.0.0.1:" + std::to_string(freePorts(1)[0]);
 }

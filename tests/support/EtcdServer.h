@@ -47,6 +47,8 @@ public:
   int64_t put(const std::string& key, const std::string& value);
   int64_t remove(const std::string& key);
   void compact(int64_t revision);
+  // Turns authentication on, with user as the root user.
+  void enableAuthentication(const std::string& user, const std::string& password);
 
   // A local endpoint where nothing listens.
   static std::string unusedEndpoint();

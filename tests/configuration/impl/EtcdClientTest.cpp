@@ -12,6 +12,7 @@
 #include <thread>
 #include <vector>
 
+#include "configuration/Models.h"
 #include "support/EtcdServer.h"
 #include "zelk/configuration/ConfigurationException.h"
 #include "zelk/configuration/impl/EtcdClient.h"
@@ -152,6 +153,37 @@ TEST(EtcdClientTest, AWatchEndsWhenTheServerGoesAway) {
   stopper.join();
   EXPECT_TRUE(end == EtcdClient::LOST || end == EtcdClient::CANCELED) << end;
   EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(20));
+}
+
+TEST(EtcdClientTest, AuthenticatesWithUserAndPassword) {
+  EtcdServer etcd;
+  etcd.put("/k", "v");
+  etcd.enableAuthentication("root", "secret");
+  EtcdSource source = etcd.source("/k");
+  EXPECT_NE(std::string::npos,
+            test::messageOf<ConfigurationException>([&] { EtcdClient(source).range("/k"); })
+                .find("The etcd cluster at " + etcd.endpoint() + " refused the request"));
+  source.user = "root";
+  source.password = "wrong";
+  EXPECT_NE(std::string::npos,
+            test::messageOf<ConfigurationException>([&] { EtcdClient(source).range("/k"); })
+                .find("authentication failed"));
+  source.password = "secret";
+  EtcdClient client(source);
+  EXPECT_EQ("v", client.range("/k").value);
+  // The watch sends the token too.
+  std::vector<std::string> seen;
+  const int64_t from = client.range("/k").revision + 1;
+  std::thread writer([&] { EtcdClient(source).put("/k", "w"); });
+  client.watch(
+      "/k", from,
+      [&](const EtcdClient::Event& event) {
+        seen.push_back(event.value);
+        client.stop();
+      },
+      nullptr);
+  writer.join();
+  EXPECT_EQ(std::vector<std::string>{"w"}, seen);
 }
 
 // Answers every connection with one canned HTTP answer.

@@ -2,6 +2,7 @@
 
 #include <curl/curl.h>
 
+#include <cstring>
 #include <exception>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -15,8 +16,9 @@ namespace {
 
 using nlohmann::json;
 
-// gRPC's code for a request at a compacted revision, and for a missing or stale token.
+// gRPC's code for a missing or stale token.
 const int CODE_UNAUTHENTICATED = 16;
+const char* const AUTHENTICATE_PATH = "/v3/auth/authenticate";
 
 std::once_flag curlInitialised;
 
@@ -350,7 +352,8 @@ void EtcdClient::checkAnswerError(const std::string& endpoint, long status,
 }
 
 std::string EtcdClient::post(const char* path, const std::string& body) {
-  if (!mSource.user.empty()) {
+  const bool authenticating = std::strcmp(path, AUTHENTICATE_PATH) == 0;
+  if (!mSource.user.empty() && !authenticating) {
     bool needToken;
     {
       std::lock_guard<std::mutex> lock(mMutex);
@@ -383,8 +386,7 @@ std::string EtcdClient::post(const char* path, const std::string& body) {
         mCurrent = index;
       }
       // A token expires; one new one is asked for before the error counts.
-      if (status != 200 && attempt == 0 && !mSource.user.empty() &&
-          std::string(path) != "/v3/auth/authenticate" &&
+      if (status != 200 && attempt == 0 && !mSource.user.empty() && !authenticating &&
           (answer.find("token") != std::string::npos ||
            answer.find("\"code\":" + std::to_string(CODE_UNAUTHENTICATED)) != std::string::npos)) {
         authenticate();
@@ -406,7 +408,7 @@ void EtcdClient::authenticate() {
     mToken.clear();
   }
   json request = {{"name", mSource.user}, {"password", mSource.password}};
-  const std::string answer = post("/v3/auth/authenticate", request.dump());
+  const std::string answer = post(AUTHENTICATE_PATH, request.dump());
   const std::string endpoint = getEndpoint();
   const std::string token = text(parseJson(endpoint, answer), "token");
   if (token.empty()) {

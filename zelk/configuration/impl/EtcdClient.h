@@ -82,6 +82,9 @@ public:
   int64_t remove(const std::string& key);
   // Compacts the history up to revision.
   void compact(int64_t revision);
+  // Any other request of the gateway (such as "/v3/auth/enable" with "{}"): the answer's JSON
+  // text. Throws as range does.
+  std::string call(const char* path, const std::string& jsonBody) { return post(path, jsonBody); }
 
   // Watches key from startRevision, calling onEvent for each change in order and onCreated (when
   // given) once the cluster has accepted the watch. Returns why it ended; for COMPACTED,
