@@ -58,6 +58,10 @@ trap 'restore; rm -rf "$saved"' EXIT
 # line changed, else says what went wrong, restores the file and fails.
 apply() {
   local name=$1 file=$2 expression=$3 changed
+  if [ ! -f "$root/$file" ]; then
+    echo "NOT APPLIED  $name ($file does not exist)"
+    return 1
+  fi
   cp "$root/$file" "$saved/original"
   current=$file
   sed -i -e "$expression" "$root/$file"
