@@ -17,7 +17,6 @@
 #include "zelk/configuration/UnboundedValue.h"
 #include "zelk/configuration/Value.h"
 #include "zelk/configuration/ValueFileWriter.h"
-#include "zelk/util/ContractViolationException.h"
 #include "zelk/configuration/ValueGroupIterator.h"
 #include "zelk/configuration/ValueIterator.h"
 #include "zelk/configuration/XmlFileValueProvider.h"
@@ -25,6 +24,7 @@
 #include "zelk/configuration/impl/CommandLineValueProviderImpl.h"
 #include "zelk/configuration/impl/ConfigurationManagerImpl.h"
 #include "zelk/configuration/impl/ParameterPrefixIndex.h"
+#include "zelk/util/ContractViolationException.h"
 
 using namespace zelk::configuration;
 using zelk::configuration::impl::CommandLineValueProviderImpl;

@@ -3,7 +3,7 @@
 #
 #   cmake -DCOMMAND=<program>|<argument>|... -DSTATUS=<n>
 #         [-DEXPECTED=<file>]                 the whole output, exactly
-#         [-DMATCH=<regex>] [-DMATCH2=<regex>] [-DMATCH3=<regex>]   must each be found
+#         [-DMATCH_COUNT=<n> -DMATCH1=<regex> ... -DMATCH<n>=<regex>]   must each be found
 #         [-DNO_MATCH=<regex>]                must not be found
 #         [-DSOURCE_DIR=<dir>] [-DBINARY_DIR=<dir>]
 #         -P check-output.cmake
@@ -33,11 +33,16 @@ if(EXPECTED)
     string(APPEND failures "the output differs from ${EXPECTED}\n")
   endif()
 endif()
-foreach(pattern MATCH MATCH2 MATCH3)
-  if(DEFINED ${pattern} AND NOT output MATCHES "${${pattern}}")
-    string(APPEND failures "the output does not match: ${${pattern}}\n")
+set(index 1)
+while(DEFINED MATCH_COUNT AND index LESS_EQUAL MATCH_COUNT)
+  if(NOT DEFINED MATCH${index})
+    message(FATAL_ERROR "MATCH${index} is not set (MATCH_COUNT is ${MATCH_COUNT})")
   endif()
-endforeach()
+  if(NOT output MATCHES "${MATCH${index}}")
+    string(APPEND failures "the output does not match: ${MATCH${index}}\n")
+  endif()
+  math(EXPR index "${index} + 1")
+endwhile()
 if(DEFINED NO_MATCH AND output MATCHES "${NO_MATCH}")
   string(APPEND failures "the output matches what it must not: ${NO_MATCH}\n")
 endif()
