@@ -11,6 +11,13 @@
 //                            the error naming where the value ends
 //   Large_valueFileExport    the values of a 1 / 10 MB file of Large_valueFile (read once,
 //                            outside the timed part) written back as a value file into memory
+//   Large_machineSiblings    a machine file of 100,000 / 1,000,000 empty elements (other tools'
+//                            sections) beside the specification's own, read for the specification
+//   Large_machineTools       a machine file of 10,000 / 100,000 tool sections with three
+//                            attributes each beside the specification's own, read for it
+//   Large_containers         0.3 / 3 MB of small containers of the specification, read and counted
+//
+// The last three are the shapes whose peak memory bench/large.sh reports against the file size.
 //
 //   zelk_bench_large --benchmark_filter=Large_valueFile/
 //
@@ -61,6 +68,10 @@ const zc::Specification& specification() {
         "      <ParameterRef id=\"large-name\" optional=\"true\" unbounded=\"true\"/>\n"
         "      <ParameterRef id=\"large-count\" optional=\"true\" unbounded=\"true\"/>\n"
         "      <ParameterRef id=\"large-title\" optional=\"true\"/>\n"
+        "      <Container id=\"entry\" description=\"An entry.\" optional=\"true\" "
+        "unbounded=\"true\">\n"
+        "        <ParameterRef id=\"large-title\" optional=\"true\"/>\n"
+        "      </Container>\n"
         "    </Specification>\n  </Specifications>\n</ConfigurationRegistry>\n");
     zc::ConfigurationManager* m = zc::ConfigurationManager::getInstance();
     zc::ConfigurationRegistryLoader::loadFile(path.c_str(), m, 0);
@@ -212,6 +223,52 @@ void Large_valueFileExport(benchmark::State& state) {
   state.SetBytesProcessed(static_cast<int64_t>(bytes));
 }
 
+// A file of a shape, written once per shape and size: "siblings" (count empty elements beside the
+// specification's section in a machine file), "tools" (count tool sections of three attributes
+// beside it), "containers" (about count bytes of small containers of the specification).
+std::string shapeFile(const std::string& shape, size_t count) {
+  const std::string path = bench::Installation::instance().root() + "/shape-" + shape + "-" +
+                           std::to_string(count) + ".xml";
+  static std::set<std::string> written;
+  if (written.insert(path).second) {
+    std::string text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+    if (shape == "containers") {
+      text += "<large>\n";
+      for (size_t k = 0; text.size() < count; ++k) {
+        text += "  <entry large-title=\"t" + std::to_string(k % 1000) + "\"/>\n";
+      }
+      text += "</large>\n";
+    } else {
+      text += "<machine>\n  <large large-title=\"here\"/>\n";
+      for (size_t k = 0; k < count; ++k) {
+        text += shape == "siblings" ? "  <tool" + std::to_string(k % 100) + "/>\n"
+                                    : "  <tool" + std::to_string(k) +
+                                          " database=\"d\" retries=\"3\" verbose=\"true\"/>\n";
+      }
+      text += "</machine>\n";
+    }
+    bench::writeFile(path, text);
+  }
+  return path;
+}
+
+// Reads the file of a shape for the specification, as the manager's provider does.
+void readShape(benchmark::State& state, const std::string& shape) {
+  const zc::Specification& spec = specification();
+  const std::string path = shapeFile(shape, static_cast<size_t>(state.range(0)));
+  size_t items = 0;
+  for (auto _ : state) {
+    zc::XmlFileValueProvider file(3, "");
+    file.enableProvider(path.c_str(), 0);
+    items += file.getValues(spec, 0).getItemCount();
+  }
+  state.counters["items"] = static_cast<double>(items / state.iterations());
+}
+
+void Large_machineSiblings(benchmark::State& state) { readShape(state, "siblings"); }
+void Large_machineTools(benchmark::State& state) { readShape(state, "tools"); }
+void Large_containers(benchmark::State& state) { readShape(state, "containers"); }
+
 }  // namespace
 
 BENCHMARK(Large_commandLine)->ArgName("words")->Arg(100000)->Arg(1000000)
@@ -221,5 +278,12 @@ BENCHMARK(Large_commandLineUnknown)->ArgName("words")->Arg(100000)->Arg(1000000)
 BENCHMARK(Large_valueFile)->ArgName("MB")->Arg(5)->Arg(50)->Unit(benchmark::kMillisecond);
 BENCHMARK(Large_valueFileOneValue)->ArgName("MB")->Arg(5)->Arg(50)->Unit(benchmark::kMillisecond);
 BENCHMARK(Large_valueFileExport)->ArgName("MB")->Arg(1)->Arg(10)->Unit(benchmark::kMillisecond);
+
+BENCHMARK(Large_machineSiblings)->ArgName("elements")->Arg(100000)->Arg(1000000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(Large_machineTools)->ArgName("tools")->Arg(10000)->Arg(100000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(Large_containers)->ArgName("bytes")->Arg(300000)->Arg(3000000)
+    ->Unit(benchmark::kMillisecond);
 
 BENCHMARK_MAIN();

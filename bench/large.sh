@@ -27,7 +27,10 @@ for row in "Large_commandLine words:100000 words:1000000" \
            "Large_commandLineUnknown words:100000 words:1000000" \
            "Large_valueFile MB:5 MB:50" \
            "Large_valueFileOneValue MB:5 MB:50" \
-           "Large_valueFileExport MB:1 MB:10"; do
+           "Large_valueFileExport MB:1 MB:10" \
+           "Large_machineSiblings elements:100000 elements:1000000" \
+           "Large_machineTools tools:10000 tools:100000" \
+           "Large_containers bytes:300000 bytes:3000000"; do
   set -- $row
   small=(); large=(); rss=()
   for ((r = 0; r < runs; ++r)); do

@@ -151,6 +151,12 @@ add_test(NAME zelk-config.hostile-names
     ${ZELK_TOOL_DATA}/hostile/zelk.crg ${CMAKE_CURRENT_BINARY_DIR}/hostile-names)
 set_tests_properties(zelk-config.schema zelk-config.completion zelk-config.completion-zsh-fish zelk-config.man zelk-config.export-round-trip
   zelk-config.hostile-names PROPERTIES LABELS tools)
+# FIFOs in every place, a full disk, value files that give nothing, skipped plug-ins. Every run
+# inside has its own time limit; the test's own is the last guard against a hang.
+add_test(NAME zelk-config.files
+  COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/tools/files.sh ${zc} ${ZELK_EXAMPLE_INSTALLATION}
+    $<TARGET_FILE:zelk_test_GoodPlugin> ${CMAKE_CURRENT_BINARY_DIR}/files)
+set_tests_properties(zelk-config.files PROPERTIES LABELS tools TIMEOUT 600)
 
 # Files over the size limit are refused before they are read.
 zelk_output_test(zelk-config.values-file-too-large 1

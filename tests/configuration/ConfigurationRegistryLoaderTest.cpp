@@ -241,6 +241,15 @@ TEST_F(ConfigurationRegistryLoaderTest, RejectsBadContentWithItsMessageAndPositi
       {"<Enumerations><Enumeration id=\"n\"><Value label=\"a\" value=\"1x\"/></Enumeration>"
        "</Enumerations>",
        "\"1x\" is not a valid integer value", false, "<Value", "Value", "value"},
+      // Numbered automatically past the 32-bit range, a symbol would wrap to -2147483648.
+      {"<Enumerations><Enumeration id=\"w\"><Value label=\"top\" value=\"2147483647\"/>"
+       "<Value label=\"over\"/></Enumeration></Enumerations>",
+       "The value of \"over\" in the \"w\" enumeration would be 2147483648, beyond the 32-bit "
+       "range",
+       false, "<Value label=\"over\"", "Value", "label"},
+      {"<Enumerations><Enumeration id=\"x\"><Value label=\"a\" value=\"2147483648\"/>"
+       "</Enumeration></Enumerations>",
+       "\"2147483648\" is not a valid integer value", false, "<Value", "Value", "value"},
       {"<Parameters><Parameter id=\"v\" type=\"string\" description=\"V\" validator=\"no\"/>"
        "</Parameters>",
        "The \"no\" validator was not found", false, "<Parameter ", "Parameter", "validator"},

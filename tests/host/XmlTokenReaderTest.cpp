@@ -3,6 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdint>
 #include <cstring>
 #include <string>
 
@@ -212,6 +216,18 @@ TEST(XmlTokenReaderTest, OpensFilesAndNamesThemInErrors) {
   EXPECT_FALSE(reader.openFile(dir.path().c_str()));  // a directory is not a document
   EXPECT_FALSE(reader.openFile("/dev/zero"));         // nor is a device
   EXPECT_FALSE(reader.openFile(nullptr));
+  // A FIFO is refused before it is opened: opening it would wait for a writer. The reason is
+  // kept on its own for messages with a fixed text.
+  const std::string fifo = dir.file("fifo.xml");
+  ASSERT_EQ(0, mkfifo(fifo.c_str(), 0600));
+  alarm(60);  // fails the test instead of hanging it
+  EXPECT_FALSE(reader.openFile(fifo.c_str()));
+  alarm(0);
+  EXPECT_EQ("it is a FIFO, not a regular file", reader.getFailureReason());
+  EXPECT_EQ("File \"" + fifo + "\" cannot be opened: it is a FIFO, not a regular file",
+            std::string(reader.getErrorText()));
+  EXPECT_FALSE(reader.openFile(dir.file("missing.xml").c_str()));
+  EXPECT_EQ("No such file or directory", reader.getFailureReason());
 
   const std::string path = dir.file("values.xml");
   zelk::test::writeTextFile(path, "<values>\n  <x a='1'>\n</values>\n");
@@ -249,6 +265,11 @@ TEST(XmlTokenReaderTest, RefusesFilesAndTextsBeyondTheLimits) {
       reader.getErrorText());
   EXPECT_FALSE(reader.openFile(dir.file("missing.xml").c_str()));
   EXPECT_FALSE(reader.wasTooLarge());
+  // The largest limit there is: no byte past it to read, and nothing overflows.
+  reader.setMaxFileSize(SIZE_MAX);
+  EXPECT_TRUE(reader.openFile(path.c_str()));
+  EXPECT_TRUE(reader.acceptToken("<a"));
+  reader.setMaxFileSize(10);
 
   // Texts: decoded bytes count, for values and names alike.
   reader.setMaxTextLength(8);

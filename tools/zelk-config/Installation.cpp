@@ -1,27 +1,23 @@
 #include "Installation.h"
 
-#include <strings.h>
 #include <unistd.h>
 
 #include <climits>
 #include <cstdlib>
-#include <set>
 
 #include "CommandLine.h"
 #include "Output.h"
 #include "zelk/configuration/ConfigurationManager.h"
 #include "zelk/configuration/Specification.h"
+#include "zelk/configuration/impl/ConfigurationRegistryFilesFinder.h"
 #include "zelk/host/HostDirectories.h"
 #include "zelk/host/HostFileSystem.h"
-#include "zelk/util/FileSystemVisitor.h"
 
 namespace zelk::configtool {
 
 namespace {
 
 const char* const OWN_REGISTRY_FILE_NAME = "zelk-config.crg";
-const char* const MAIN_REGISTRY_FILE_NAME = "zelk.crg";
-const char* const REGISTRY_FILE_EXTENSION = ".crg";
 
 bool isDirectory(const std::string& path) {
   const unsigned int status = host::hostFileExists(path.c_str());
@@ -53,16 +49,6 @@ std::string requireDirectory(const std::string& path, const char* what) {
   }
   return path;
 }
-
-// The same search as the library's start-up: a sorted set of paths ending in ".crg" exactly.
-class RegistryFileFinder : public FileSystemVisitor {
-public:
-  bool visitFile(const char* path) override {
-    if (endsWith(path, REGISTRY_FILE_EXTENSION)) mPaths.insert(path);
-    return true;
-  }
-  std::set<std::string> mPaths;
-};
 
 }  // namespace
 
@@ -127,21 +113,20 @@ Directories selectInstallation(const Options& options) {
   return directories;
 }
 
-std::vector<std::string> findRegistryFiles(const Directories& directories, bool& mainFound) {
-  RegistryFileFinder finder;
+std::vector<std::string> findRegistryFiles(const Directories& directories, bool& mainFound,
+                                           std::vector<std::string>* skipped) {
+  // The library's own search, so that zelk-config finds, orders and skips files as a tool does.
+  configuration::impl::ConfigurationRegistryFilesFinder finder;
   if (!directories.etc.empty()) finder.scan(directories.etc.c_str(), false);
   if (!directories.plugins.empty()) finder.scan(directories.plugins.c_str(), true);
-
+  std::string main;
+  mainFound = finder.takeMainRegistry("/", main);
   std::vector<std::string> files;
-  mainFound = false;
-  for (const std::string& path : finder.mPaths) {
-    const std::string::size_type slash = path.rfind('/');
-    if (!mainFound && slash != std::string::npos &&
-        strcasecmp(path.c_str() + slash + 1, MAIN_REGISTRY_FILE_NAME) == 0) {
-      files.insert(files.begin(), path);
-      mainFound = true;
-    } else {
-      files.push_back(path);
+  if (mainFound) files.push_back(main);
+  files.insert(files.end(), finder.getFiles().begin(), finder.getFiles().end());
+  if (skipped != nullptr) {
+    for (const auto& [path, reason] : finder.getSkipped()) {
+      skipped->push_back("Skipped registry file \"" + path + "\": " + reason);
     }
   }
   return files;

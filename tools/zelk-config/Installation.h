@@ -46,8 +46,10 @@ Directories selectInstallation(const Options& options);
 // The registry files that the library loads at start-up, in its order: the main registry
 // ("zelk.crg" in any letter case) first, then every other ".crg" file of the etc directory and,
 // at every depth, of the plug-ins directory, in path order. mainFound tells whether the main
-// registry was among them.
-std::vector<std::string> findRegistryFiles(const Directories& directories, bool& mainFound);
+// registry was among them. Entries that are not regular files (a FIFO named "x.crg") are left
+// out; when skipped is given, a line for each says which and why.
+std::vector<std::string> findRegistryFiles(const Directories& directories, bool& mainFound,
+                                           std::vector<std::string>* skipped = nullptr);
 
 // "etc directory "...", plug-ins directory "..."", for messages.
 std::string describeDirectories(const Directories& directories);

@@ -5,17 +5,22 @@
 
 #include <algorithm>
 #include <iostream>
+#include <set>
 #include <sstream>
 #include <stdexcept>
 
+#include "zelk/configuration/ConfigurationException.h"
 #include "zelk/configuration/ConfigurationManager.h"
 #include "zelk/configuration/Specification.h"
 #include "zelk/configuration/ValidationErrors.h"
 #include "zelk/configuration/ValidationException.h"
+#include "zelk/host/HostMainLog.h"
+#include "zelk/host/Plugin.h"
 #include "zelk/util/StringUtil.h"
 
 namespace zelk::configtool {
 
+using configuration::ConfigurationException;
 using configuration::ConfigurationManager;
 using configuration::Specification;
 using configuration::ValidationException;
@@ -48,7 +53,23 @@ std::string describeException(const std::exception& exception) {
     return text;
   }
   const char* message = exception.what();
-  return message != nullptr && *message != '\0' ? message : "unknown error";
+  std::string text = message != nullptr && *message != '\0' ? message : "unknown error";
+  // The library's fixed texts ("File "x" was not found") carry the system's reason beside them.
+  const auto* configuration = dynamic_cast<const ConfigurationException*>(&exception);
+  if (configuration != nullptr && !configuration->getReason().empty()) {
+    text += " (" + configuration->getReason() + ")";
+  }
+  return text;
+}
+
+std::vector<std::string> pluginSkipNotes() {
+  std::vector<std::string> notes;
+  std::set<std::string> seen;
+  for (const auto& [category, text] : host::hostGetMainLog()) {
+    // The plug-ins directory is searched again on every load, and says the same again.
+    if (category == host::PLUGINS_LOG_CATEGORY && seen.insert(text).second) notes.push_back(text);
+  }
+  return notes;
 }
 
 std::size_t printException(const std::exception& exception) {

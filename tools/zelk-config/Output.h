@@ -5,6 +5,7 @@
 #include <exception>
 #include <iosfwd>
 #include <string>
+#include <vector>
 
 namespace zelk::configuration {
 class ConfigurationManager;
@@ -26,8 +27,14 @@ void printError(const std::string& text);
 // the message of any other exception. Returns the number of lines written.
 std::size_t printException(const std::exception& exception);
 
-// The texts of an exception, one per problem (the errors of a ValidationException, else what()).
+// The texts of an exception, one per problem (the errors of a ValidationException, else what(),
+// followed by the system's reason in parentheses when the library gives one).
 std::string describeException(const std::exception& exception);
+
+// Why plug-ins of the installation were skipped (a library writable by others, a link leading
+// out of the plug-ins directory, an entry point that throws), as the host's main log says: each
+// line once, in order. A validator that a registry names may be missing for one of these reasons.
+std::vector<std::string> pluginSkipNotes();
 
 // The width of the terminal that standard output writes to, or 80 when it is not a terminal.
 std::size_t terminalWidth();

@@ -123,6 +123,10 @@ std::size_t RegistryIndex::addFile(const std::string& path) {
       if (!empty && !broken) {
         stack.push_back({record.itemId, record.owner, 0, isCollection(record.element)});
       }
+      // The loader stops one level below the reader's nesting limit, and so does the index: the
+      // ids of nested one-ofs and logical groups grow with their depth, so indexing deeper would
+      // cost time and memory in the square of the depth, for elements the loader never reaches.
+      if (stack.size() > host::XmlTokenReader::MAX_NESTING_DEPTH) broken = true;
       mByItemId[key(record.element, record.itemId)].push_back(mRecords.size());
       mRecords.push_back(std::move(record));
       if (broken) break;

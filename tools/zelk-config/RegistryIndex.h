@@ -35,7 +35,8 @@ struct ElementRecord {
 class RegistryIndex {
 public:
   // Reads the elements of the file and returns its number. A file that cannot be read is indexed
-  // empty; one whose syntax breaks off is indexed up to the break (the loader reports the break).
+  // empty; one whose syntax breaks off is indexed up to the break (the loader reports the break),
+  // and elements nested deeper than the loader reads are not indexed (it reports the depth).
   std::size_t addFile(const std::string& path);
 
   std::size_t getFileCount() const { return mPaths.size(); }

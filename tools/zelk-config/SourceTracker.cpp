@@ -37,7 +37,12 @@ void SourceTracker::replay(ConfigurationManager& manager, const Specification& s
     addSource(*provider);
     try {
       const ValueGroup answer = provider->getValues(specification, PROVIDER_OPTIONS);
-      if (answer.isNull()) continue;
+      if (answer.isNull() || answer.getItemCount() == 0) {
+        if (const auto* file = dynamic_cast<const XmlFileValueProvider*>(provider)) {
+          mSilentFiles.push_back(file->getXmlFilePath());
+        }
+        continue;
+      }
       // A copy, because merging hands the answer's values over to the merged tree, and the
       // manager must still see its providers' values as they were.
       const ValueGroup copy(answer, 0);

@@ -40,6 +40,10 @@ public:
   void replay(configuration::ConfigurationManager& manager,
               const configuration::Specification& specification);
 
+  // The value files that gave nothing for the specification (a root element with a typo, another
+  // tool's file: the library reads them without complaint), in the manager's order.
+  const std::vector<std::string>& getSilentFiles() const { return mSilentFiles; }
+
   // The merged copy, whose values sourcesOf knows.
   const configuration::ValueGroup& getReplay() const { return mReplay; }
 
@@ -66,6 +70,7 @@ private:
   std::vector<std::string> mLabels;
   std::vector<std::string> mMachineNames;
   configuration::ValueGroup mReplay;
+  std::vector<std::string> mSilentFiles;
   std::map<uint32_t, std::vector<std::size_t>> mEntrySources;
 };
 

@@ -46,6 +46,9 @@
 #include "zelk/configuration/ValueIterator.h"
 #include "zelk/configuration/XmlFileValueProvider.h"
 #include "zelk/configuration/impl/ValueTypeTable.h"
+#include "zelk/host/HostMainLog.h"
+#include "zelk/host/XmlTokenReader.h"
+#include "zelk/util/StringFunctions.h"
 
 namespace zelk::configtool {
 
@@ -234,6 +237,29 @@ ValueGroup withoutStrays(const ValueGroup& values, const Specification& specific
   return copy;
 }
 
+// The name of the root element of the XML file at path, or empty when it has none that can be
+// read.
+std::string rootElementOf(const std::string& path) {
+  host::XmlTokenReader reader;
+  char name[1025];
+  if (!reader.openFile(path.c_str()) || !reader.skipComments() || !reader.acceptToken("<") ||
+      !reader.acceptValue(name, sizeof name)) {
+    return std::string();
+  }
+  return name;
+}
+
+// Whether path is one of the files named by the user, as given or as the library found it in the
+// configuration directory (the machine file, read for every tool, is not).
+bool namedByUser(const Options& options, const std::string& path) {
+  std::vector<std::string> named = options.valueFiles;
+  if (options.applicationFile) named.push_back(*options.applicationFile);
+  for (const std::string& file : named) {
+    if (path == file || (path.size() > file.size() && hasEnding(path, "/" + file))) return true;
+  }
+  return false;
+}
+
 // The manager enabled as the tool would enable it, with the specification; null, with the
 // problem reported, when that fails.
 const Specification* enableAsTheTool(ConfigurationManager& manager, const Options& options) {
@@ -269,6 +295,13 @@ ValueGroup readValues(ConfigurationManager& manager, const Options& options) {
   ValueGroup values;
   try {
     values = manager.getValueGroup(options.specification.c_str(), false, 0);
+    // With no value from any source the library hands out an empty tree unchecked; a tool that
+    // asks for its values would still miss the required ones, so they are checked here.
+    if (values.getItemCount() == 0) {
+      ValueGroup copy(values, 0);
+      manager.validateValues(*manager.getSpecification(options.specification.c_str()), copy,
+                             nullptr);
+    }
   } catch (const std::exception& e) {
     printException(e);
     return ValueGroup();
@@ -291,6 +324,8 @@ int runValues(const CommandContext& context) {
     publishing.toolArguments.clear();
   }
   const Options& options = publishing;
+  // What the main log says from here on is about this installation only.
+  host::hostClearMainLog();
   if (loadInstallation(context.directories, options.maxFileSize) == nullptr) return EXIT_PROBLEMS;
   ConfigurationManager* manager = nullptr;
   try {
@@ -303,8 +338,18 @@ int runValues(const CommandContext& context) {
   const Specification* specification = enableAsTheTool(*manager, options);
   if (specification == nullptr) return EXIT_PROBLEMS;
 
+  // Plug-ins skipped while enabling (validators a registry may name) are said once, with why.
+  for (const std::string& note : pluginSkipNotes()) printError("note: " + note);
+
   SourceTracker sources;
   sources.replay(*manager, *specification);
+  for (const std::string& file : sources.getSilentFiles()) {
+    if (!namedByUser(options, file)) continue;
+    const std::string root = rootElementOf(file);
+    printError("warning: value file \"" + file + "\" gives no values for \"" +
+               options.specification + "\"" +
+               (root.empty() ? std::string() : ": its root element is <" + root + ">"));
+  }
   const ValueGroup values = readValues(*manager, options);
   if (values.isNull()) return EXIT_PROBLEMS;
 

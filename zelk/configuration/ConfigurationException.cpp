@@ -23,7 +23,10 @@ ConfigurationException::ConfigurationException(RawMessage, const char* text)
     : mMessage(cloneString(text)) {}
 
 ConfigurationException::ConfigurationException(const ConfigurationException& other)
-    : HostErrorReporter(other), mMessage(cloneString(other.mMessage)), mPosition(other.mPosition) {}
+    : HostErrorReporter(other),
+      mMessage(cloneString(other.mMessage)),
+      mPosition(other.mPosition),
+      mReason(other.mReason) {}
 
 ConfigurationException& ConfigurationException::operator=(const ConfigurationException& other) {
   if (this != &other) {
@@ -31,6 +34,7 @@ ConfigurationException& ConfigurationException::operator=(const ConfigurationExc
     delete[] mMessage;
     mMessage = copy;
     mPosition = other.mPosition;
+    mReason = other.mReason;
   }
   return *this;
 }

@@ -66,6 +66,13 @@ public:
   const SourcePosition& getPosition() const { return mPosition; }
   void setPosition(const SourcePosition& position) { mPosition = position; }
 
+  // Why the operation failed in the system's words, where the message is a fixed text: for
+  // "File "x" was not found" or "File "x" cannot be written" the errno text ("Permission
+  // denied", "No space left on device") or what the path is ("it is a FIFO, not a regular
+  // file"). Empty when there is none. The same reason is written to the host's main log.
+  const std::string& getReason() const noexcept { return mReason; }
+  void setReason(const std::string& reason) { mReason = reason; }
+
 protected:
   struct RawMessage {};
   // Takes text as the message as it stands (null leaves the message null).
@@ -74,6 +81,7 @@ protected:
 private:
   char* mMessage = nullptr;
   SourcePosition mPosition;
+  std::string mReason;
 };
 
 }  // namespace zelk::configuration

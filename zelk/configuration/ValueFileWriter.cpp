@@ -1,10 +1,9 @@
 #include "zelk/configuration/ValueFileWriter.h"
 
-#include <cstdio>
 #include <ostream>
 #include <string>
 
-#include "zelk/configuration/ConfigurationException.h"
+#include "zelk/configuration/impl/FileOpener.h"
 #include "zelk/configuration/impl/ValueFileWriterImpl.h"
 #include "zelk/host/HostProcess.h"
 #include "zelk/util/Contracts.h"
@@ -25,13 +24,7 @@ void ValueFileWriter::write(std::ostream& out, const Specification& specificatio
 void ValueFileWriter::writeFile(const char* path, const Specification& specification,
                                 const ValueGroup& values) {
   ZELK_CONTRACT(path != 0 && *path != '\0');
-  const std::string text = impl::ValueFileWriterImpl::compose(specification, values);
-  std::FILE* file = std::fopen(path, "wb");
-  bool written = file != nullptr && std::fwrite(text.data(), 1, text.size(), file) == text.size();
-  if (file != nullptr && std::fclose(file) != 0) written = false;
-  if (!written) {
-    throw ConfigurationException("File \"%s\" cannot be written", path);
-  }
+  impl::writeWholeFile(path, impl::ValueFileWriterImpl::compose(specification, values));
 }
 
 }  // namespace zelk::configuration

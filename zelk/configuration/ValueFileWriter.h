@@ -41,9 +41,14 @@ public:
   static void write(std::ostream& out, const Specification& specification,
                     const ValueGroup& values);
 
-  // As write, to the file at path (created or replaced). The file is only touched when the
-  // whole text could be composed. Throws ConfigurationException "File "%s" cannot be written"
-  // when it cannot be opened or written.
+  // As write, to the file at path (created or replaced). The file is replaced whole or not at
+  // all: the text goes to a temporary file in the same directory, which is flushed to disk and
+  // renamed over the target, so that a reader sees the old file or the new one, never part of
+  // one; an existing file keeps its permissions; a symbolic link is followed. Throws
+  // ConfigurationException "File "%s" cannot be written", with the system's reason
+  // (getReason(), also in the host's main log), when it cannot be written (a full or read-only
+  // disk, no permission, a target that is a directory, FIFO or device); the old file is then
+  // untouched. Nothing is touched when the tree cannot be composed.
   static void writeFile(const char* path, const Specification& specification,
                         const ValueGroup& values);
 };

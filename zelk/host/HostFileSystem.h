@@ -9,6 +9,9 @@
 //   }
 #pragma once
 
+#include <string>
+#include <sys/types.h>
+
 namespace zelk::host {
 
 // Status words of hostFileExists.
@@ -34,5 +37,14 @@ public:
 // A new listing of path (released by the caller with delete), or null when path is null, empty,
 // or cannot be opened as a directory.
 HostDirectory* hostOpenDir(const char* path);
+
+// Why a path that exists cannot be read or written as a document, in words for messages: "it is a
+// directory, not a regular file" (a FIFO, a socket, a character device, a block device). The
+// library reads and writes regular files only: opening a FIFO would wait for a writer, and a
+// device may never end.
+std::string hostDescribeNotRegular(mode_t mode);
+
+// The system's text for an errno value ("Permission denied"); thread-safe.
+std::string hostSystemErrorText(int error);
 
 }  // namespace zelk::host

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <ctime>
+#include <deque>
 #include <mutex>
 
 namespace zelk::host {
@@ -10,7 +11,7 @@ namespace {
 
 struct MainLog {
   std::mutex mutex;
-  std::vector<std::pair<std::string, std::string>> entries;
+  std::deque<std::pair<std::string, std::string>> entries;
   std::FILE* file = nullptr;
 
   ~MainLog() {
@@ -30,6 +31,9 @@ MainLog& mainLog() {
 void hostAddToMainLog(const char* category, const char* text) {
   MainLog& log = mainLog();
   std::lock_guard<std::mutex> lock(log.mutex);
+  if (log.entries.size() >= MAIN_LOG_CAPACITY) {
+    log.entries.pop_front();
+  }
   log.entries.emplace_back(category != nullptr ? category : "", text != nullptr ? text : "");
   if (log.file != nullptr) {
     char stamp[32];
@@ -46,7 +50,7 @@ void hostAddToMainLog(const char* category, const char* text) {
 std::vector<std::pair<std::string, std::string>> hostGetMainLog() {
   MainLog& log = mainLog();
   std::lock_guard<std::mutex> lock(log.mutex);
-  return log.entries;
+  return std::vector<std::pair<std::string, std::string>>(log.entries.begin(), log.entries.end());
 }
 
 void hostClearMainLog() {

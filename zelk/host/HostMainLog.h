@@ -1,5 +1,8 @@
 // The host's main log: an ordered list of (category, text) entries kept in the process, and
-// optionally appended to a log file with a timestamp.
+// optionally appended to a log file with a timestamp. The process keeps only the newest
+// MAIN_LOG_CAPACITY entries, so that a service that logs for as long as it runs (every re-read of
+// its configuration writes entries) does not grow without end; the log file, when set, gets every
+// entry.
 //
 //   zelk::host::hostSetMainLogFile("/var/log/zelk/main.log");   // optional
 //   zelk::host::hostAddToMainLog("Configuration", "loadConfigurationFile: [succeeded]");
@@ -12,13 +15,19 @@
 #include <utility>
 #include <vector>
 
+#include <cstddef>
+
 namespace zelk::host {
+
+// How many entries the process keeps; each new entry beyond that drops the oldest.
+constexpr std::size_t MAIN_LOG_CAPACITY = 1000;
 
 // Appends one entry. A null category or text is taken as empty. When a log file is set, the entry
 // is also appended there as "<YYYY-MM-DD HH:MM:SS> [<category>] <text>" and a newline.
 void hostAddToMainLog(const char* category, const char* text);
 
-// A copy of every entry since the last hostClearMainLog(), oldest first: (category, text).
+// A copy of the entries kept since the last hostClearMainLog() (at most MAIN_LOG_CAPACITY, the
+// newest), oldest first: (category, text).
 std::vector<std::pair<std::string, std::string>> hostGetMainLog();
 
 // Empties the in-process list (the log file is left as it is).

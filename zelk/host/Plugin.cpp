@@ -26,9 +26,9 @@ void* Plugin::createImplementation() {
   }
   // Only the first failure is logged: the plug-in is not asked again.
   if (!mDisabled.exchange(true)) {
-    hostAddToMainLog("Plugins", ("Skipped plug-in \"" + mName + "\" of extension point \"" +
-                                 mExtensionPointName + "\": createPlugin() threw: " + reason)
-                                    .c_str());
+    const std::string text = "Skipped plug-in \"" + mName + "\" of extension point \"" +
+                             mExtensionPointName + "\": createPlugin() threw: " + reason;
+    hostAddToMainLog(PLUGINS_LOG_CATEGORY, text.c_str());
   }
   return nullptr;
 }

@@ -17,6 +17,10 @@
 
 namespace zelk::host {
 
+// The main-log category of every line about plug-ins: each says which plug-in library or plug-in
+// was skipped and why.
+constexpr const char* PLUGINS_LOG_CATEGORY = "Plugins";
+
 // Makes one new implementation object, or null. For a library this is its createPlugin().
 using PluginFactory = std::function<void*()>;
 

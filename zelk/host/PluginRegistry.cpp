@@ -27,7 +27,6 @@ namespace {
 using NameFunction = const char* (*)();
 using CreateFunction = void* (*)();
 
-const char* const LOG_CATEGORY = "Plugins";
 const char* const LIBRARY_SUFFIX = ".so";
 // Sub-directories deeper than this below the plug-ins directory are not searched.
 const int MAX_SEARCH_DEPTH = 32;
@@ -57,7 +56,8 @@ Registry& registry() {
 }
 
 void logSkip(const std::string& path, const std::string& reason) {
-  hostAddToMainLog(LOG_CATEGORY, ("Skipped plug-in library \"" + path + "\": " + reason).c_str());
+  const std::string text = "Skipped plug-in library \"" + path + "\": " + reason;
+  hostAddToMainLog(PLUGINS_LOG_CATEGORY, text.c_str());
 }
 
 bool writableByOthers(const struct stat& info) { return (info.st_mode & (S_IWGRP | S_IWOTH)) != 0; }

@@ -7,8 +7,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstdint>
 #include <cstring>
 #include <new>
+
+#include "zelk/host/HostFileSystem.h"
 
 namespace zelk::host {
 
@@ -113,6 +116,7 @@ void XmlTokenReader::reset() {
   mFailed = false;
   mDepth = 0;
   mRefusedSize = 0;
+  mFailureReason.clear();
   mLineCacheOffset = 0;
   mLineCacheStart = 0;
   mLineCacheLine = 1;
@@ -131,36 +135,48 @@ bool XmlTokenReader::openFile(const char* path) {
     mFailed = true;
     return false;
   };
-  // Only regular files and pipes are documents: a directory or a device such as /dev/zero is not.
-  // The path is looked at before it is opened, so that opening a device has no side effects; the
-  // size is then taken from the open file itself.
+  const auto cannotOpen = [this, &refuse](const std::string& reason) {
+    mFailureReason = reason;
+    return refuse("cannot be opened: " + reason);
+  };
+  // Only regular files are documents: opening a FIFO would wait for a writer, a device such as
+  // /dev/zero may never end, and a directory has no text. The path is looked at before it is
+  // opened, so that opening a device has no side effects; it is opened without waiting, in case it
+  // was replaced in between, and the open file is looked at again.
   struct stat info;
-  if (stat(path, &info) != 0 || !(S_ISREG(info.st_mode) || S_ISFIFO(info.st_mode))) {
-    return refuse("cannot be opened");
+  if (stat(path, &info) != 0) {
+    return cannotOpen(hostSystemErrorText(errno));
   }
-  const int fd = ::open(path, O_RDONLY | O_CLOEXEC);
+  if (!S_ISREG(info.st_mode)) {
+    return cannotOpen(hostDescribeNotRegular(info.st_mode));
+  }
+  const int fd = ::open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (fd < 0) {
-    return refuse("cannot be opened");
+    return cannotOpen(hostSystemErrorText(errno));
   }
-  if (fstat(fd, &info) != 0 || !(S_ISREG(info.st_mode) || S_ISFIFO(info.st_mode))) {
+  if (fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
+    const int error = errno;
     ::close(fd);
-    return refuse("cannot be opened");
+    return cannotOpen(S_ISREG(info.st_mode) ? hostSystemErrorText(error)
+                                            : hostDescribeNotRegular(info.st_mode));
   }
   const std::size_t limit = mMaxFileSize;
-  if (S_ISREG(info.st_mode) && static_cast<unsigned long long>(info.st_size) > limit) {
+  if (static_cast<unsigned long long>(info.st_size) > limit) {
     ::close(fd);
     mRefusedSize = static_cast<unsigned long long>(info.st_size);
     return refuse("is " + std::to_string(mRefusedSize) + " bytes long, more than the limit of " +
                   std::to_string(limit) + " bytes");
   }
   // Read in one go when the size is known, growing for files whose size the system does not
-  // report (pipes, /proc); never more than one byte past the limit, which tells a file that grew.
-  const std::size_t cap = limit + 1;
+  // report (/proc); never more than one byte past the limit, which tells a file that grew. No
+  // file reaches a limit of SIZE_MAX, which has no byte past it.
+  const std::size_t cap = limit == SIZE_MAX ? limit : limit + 1;
   std::size_t capacity = info.st_size > 0 ? static_cast<std::size_t>(info.st_size) + 1 : 4096;
   capacity = std::min(capacity, cap);
   char* data = new char[capacity + 1];
   std::size_t size = 0;
   bool failed = false;
+  int readError = 0;
   for (;;) {
     const ssize_t got = ::read(fd, data + size, capacity - size);
     if (got < 0) {
@@ -168,6 +184,7 @@ bool XmlTokenReader::openFile(const char* path) {
         continue;
       }
       failed = true;
+      readError = errno;
       break;
     }
     if (got == 0) {
@@ -189,13 +206,14 @@ bool XmlTokenReader::openFile(const char* path) {
   ::close(fd);
   if (failed) {
     delete[] data;
-    return refuse("cannot be read");
+    mFailureReason = hostSystemErrorText(readError);
+    return refuse("cannot be read: " + mFailureReason);
   }
   if (size > limit) {
     delete[] data;
     mRefusedSize = size;
-    return refuse("is more than the limit of " + std::to_string(limit) + " bytes long" +
-                  (S_ISREG(info.st_mode) ? " (it grew while it was read)" : ""));
+    return refuse("is more than the limit of " + std::to_string(limit) +
+                  " bytes long (it grew while it was read)");
   }
   data[size] = '\0';
   mData = data;

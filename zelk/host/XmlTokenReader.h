@@ -24,9 +24,9 @@
 // requires. A value longer than the caller's buffer is cut to fit (at a character boundary) and
 // never overflows it.
 //
-// Limits. openFile refuses a file larger than getMaxFileSize() bytes (64 MiB unless set) before
-// reading any of it, and never reads more than one byte past the limit of a file that grows while
-// it is read; wasTooLarge() tells such a refusal from a missing file. A quoted value or a name
+// Limits. openFile refuses a file larger than getMaxFileSize() bytes (64 MiB unless set; any value
+// up to SIZE_MAX works) before reading any of it, and never reads more than one byte past the
+// limit of a file that grows while it is read; wasTooLarge() tells such a refusal from a missing file. A quoted value or a name
 // longer than getMaxTextLength() bytes (64 KiB unless set; decoded bytes for values) is an error
 // naming where it starts, so that no single text of a hostile file is copied or scanned past it.
 //
@@ -65,15 +65,18 @@ public:
   ~XmlTokenReader();
 
   // Reads the whole file at path into memory. Returns false (and keeps no document) when the file
-  // cannot be opened or read, is neither a regular file nor a pipe, or is larger than
-  // getMaxFileSize(); the error text says so. Returns true otherwise, even when the content is not
+  // cannot be opened or read, is not a regular file (a FIFO, socket, device or directory is
+  // refused at once, without waiting for a writer), or is larger than getMaxFileSize(); the error
+  // text says so. Returns true otherwise, even when the content is not
   // valid UTF-8: that is reported as the reader's error (see hasError()).
   bool openFile(const char* path);
   // After openFile returned false: whether the file was refused for its size, and that size (the
-  // size the system reported, or the limit plus one for a file that grew while it was read or a
-  // pipe that gave more).
+  // size the system reported, or the limit plus one for a file that grew while it was read).
   bool wasTooLarge() const { return mRefusedSize != 0; }
   unsigned long long getRefusedSize() const { return mRefusedSize; }
+  // After openFile returned false for any other reason: the reason alone, in the system's words
+  // ("Permission denied", "it is a FIFO, not a regular file"); empty otherwise.
+  const std::string& getFailureReason() const { return mFailureReason; }
 
   // The limits (see the class comment); they stay set for every later document. Zero is taken as
   // one byte.
@@ -176,6 +179,7 @@ private:
   std::size_t mMaxFileSize = DEFAULT_MAX_FILE_SIZE;
   std::size_t mMaxTextLength = DEFAULT_MAX_TEXT_LENGTH;
   unsigned long long mRefusedSize = 0;
+  std::string mFailureReason;
   // Line counting is incremental: the last position asked for and its line and line start.
   mutable std::size_t mLineCacheOffset = 0;
   mutable std::size_t mLineCacheStart = 0;

@@ -4,6 +4,7 @@
 
 #include "support/TempDir.h"
 #include "support/TextFiles.h"
+#include "zelk/host/XmlTokenReader.h"
 
 namespace zelk::configtool {
 namespace {
@@ -66,6 +67,22 @@ TEST(RegistryIndexTest, KeepsWhatItReadBeforeABreak) {
   ASSERT_NE(m[0]->attribute("default"), nullptr);
   EXPECT_EQ(*m[0]->attribute("default"), "a & b");
   EXPECT_NE(index.findItem("Parameter", "x"), nullptr);
+}
+
+// Nested one-ofs get ids that grow with their depth; indexing below the depth the loader reads
+// would take time and memory in the square of the depth.
+TEST(RegistryIndexTest, StopsAtTheDepthTheLoaderReads) {
+  test::TempDir dir;
+  const std::string path = dir.file("deep.crg");
+  const std::size_t depth = 2000;
+  std::string text = "<ConfigurationRegistry><Specifications><Specification id=\"s\">";
+  for (std::size_t i = 0; i < depth; ++i) text += "<OneOf>";
+  for (std::size_t i = 0; i < depth; ++i) text += "</OneOf>";
+  test::writeTextFile(path, text + "</Specification></Specifications></ConfigurationRegistry>");
+  RegistryIndex index;
+  index.addFile(path);
+  EXPECT_LE(index.getRecords().size(), host::XmlTokenReader::MAX_NESTING_DEPTH + 2);
+  EXPECT_NE(index.findItem("OneOf", "s_oo0_oo0"), nullptr);
 }
 
 }  // namespace

@@ -36,6 +36,7 @@
 #include "zelk/configuration/impl/ContextManager.h"
 #include "zelk/configuration/impl/EtcdChangeSource.h"
 #include "zelk/configuration/impl/Factory.h"
+#include "zelk/configuration/impl/FileOpener.h"
 #include "zelk/configuration/impl/GroupItemStringGenerator.h"
 #include "zelk/configuration/impl/ObjectMapEnumeratorAdapter.h"
 #include "zelk/configuration/impl/SpecificationMatcher.h"
@@ -284,7 +285,7 @@ const char* const LOAD_CONFIGURATION_SWITCH = "-loadConfiguration";
 const char* const ETCD_CONFIGURATION_SWITCH = "-etcdConfiguration";
 // The value-file element that names a cluster source; its attributes are EtcdSource's settings.
 const char* const ETCD_CONFIGURATION_ELEMENT = "etcdConfiguration";
-const char* const LOG_CATEGORY = "Configuration";
+const char* const LOG_CATEGORY = MAIN_LOG_CATEGORY;
 
 // The host directory that lookup gives, with a separator at its end; empty when there is none.
 std::string hostDirectory(bool (*lookup)(char*)) {
@@ -473,7 +474,7 @@ bool ConfigurationManagerImpl::loadConfigurationFile(const std::string& path,
     mValueFiles.push_back(ValueFileSource::File{file, 0, mNextPriority, true});
     return false;
   }
-  throw ConfigurationException("File \"%s\" was not found", file.c_str());
+  throwFileNotFound(file, std::string());
 }
 
 void ConfigurationManagerImpl::loadAndLogConfigurationFile(const std::string& path,

@@ -1,7 +1,11 @@
 #include "zelk/configuration/impl/ConfigurationRegistryFilesFinder.h"
 
 #include <strings.h>
+#include <sys/stat.h>
 
+#include "zelk/configuration/impl/FileOpener.h"
+#include "zelk/host/HostFileSystem.h"
+#include "zelk/host/HostMainLog.h"
 #include "zelk/host/HostProcess.h"
 
 namespace zelk::configuration::impl {
@@ -17,9 +21,18 @@ const char* const ConfigurationRegistryFilesFinder::MAIN_CONFIGURATION_REGISTRY_
 const char* const ConfigurationRegistryFilesFinder::CONFIGURATION_REGISTRY_FILE_EXTENSION = ".crg";
 
 bool ConfigurationRegistryFilesFinder::visitFile(const char* path) {
-  if (endsWith(path, CONFIGURATION_REGISTRY_FILE_EXTENSION)) {
-    mFiles.insert(path);
+  if (!endsWith(path, CONFIGURATION_REGISTRY_FILE_EXTENSION)) {
+    return true;
   }
+  struct stat info;
+  if (stat(path, &info) == 0 && !S_ISREG(info.st_mode)) {
+    const std::string reason = zelk::host::hostDescribeNotRegular(info.st_mode);
+    mSkipped.emplace_back(path, reason);
+    const std::string text = "Skipped registry file \"" + std::string(path) + "\": " + reason;
+    zelk::host::hostAddToMainLog(MAIN_LOG_CATEGORY, text.c_str());
+    return true;
+  }
+  mFiles.insert(path);
   return true;
 }
 

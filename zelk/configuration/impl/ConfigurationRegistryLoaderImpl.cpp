@@ -3,6 +3,7 @@
 #include <strings.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <vector>
 
 #include "zelk/configuration/ConfigurationException.h"
@@ -17,6 +18,7 @@
 #include "zelk/configuration/Specification.h"
 #include "zelk/configuration/ValidationErrors.h"
 #include "zelk/configuration/impl/Convert.h"
+#include "zelk/configuration/impl/EnumDefinitionImpl.h"
 #include "zelk/configuration/impl/Factory.h"
 #include "zelk/configuration/impl/FileOpener.h"
 #include "zelk/configuration/impl/ValueTypeTable.h"
@@ -381,6 +383,14 @@ bool ConfigurationRegistryLoaderImpl::readEnumValue(EnumDefinition* enumDefiniti
   const std::string& label = attributes[0].value;
   const std::string& value = attributes[1].value;
   if (value.empty()) {
+    // The automatic number after 2147483647 would wrap to -2147483648 and silently give the
+    // symbol another symbol's meaning in a comparison; it is refused instead.
+    if (enumDefinition->getNumberOfValues() > 0 &&
+        enumDefinition->getImpl()->getNextValue() == INT32_MIN) {
+      throwAt("label", ConfigurationException("The value of \"%s\" in the \"%s\" enumeration "
+                                              "would be 2147483648, beyond the 32-bit range",
+                                              label.c_str(), enumDefinition->getName()));
+    }
     Factory::addEnumValue(enumDefinition, label.c_str());  // numbered automatically
   } else {
     ValidationErrors errors;

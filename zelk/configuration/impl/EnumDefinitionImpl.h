@@ -24,6 +24,9 @@ public:
   const char* getSymbolicNameByIndex(size_t index) const;
   const char* getSymbolicNameInDefinitionOrder(size_t index) const;
   size_t getNumberOfValues() const { return mNameValues.size(); }
+  // The value that addEnumValue(symbol) would give next; after 2147483647 it has wrapped to
+  // -2147483648.
+  int32_t getNextValue() const { return mNextValue; }
 
 private:
   std::string mName;

@@ -4,6 +4,7 @@
 
 #include "zelk/configuration/ConfigurationException.h"
 #include "zelk/configuration/ConfigurationManager.h"
+#include "zelk/configuration/Container.h"
 #include "zelk/configuration/Specification.h"
 #include "zelk/configuration/ValidationErrors.h"
 #include "zelk/configuration/impl/FileOpener.h"
@@ -14,6 +15,41 @@
 #include "zelk/host/XmlTokenReader.h"
 
 namespace zelk::configuration::impl {
+
+namespace {
+
+// The group that SpecificationMatcher would bind first, in visiting order, to the specification's
+// items container, found by the same walk without copying or binding anything: the container a
+// group's name leads to, else (on purpose) the enclosing one. Null when there is none.
+ValueGroup findSpecificationGroup(const ValueGroup& group, const Container* top,
+                                  const Container& items) {
+  if (top == 0) {
+    return ValueGroup::Null;
+  }
+  const char* name = group.getName();
+  if (name != 0 && *name != '\0') {
+    if (group.matches(*top)) {
+      if (top == &items) {
+        return group;
+      }
+    } else if (const Container* found = top->findContainer(name)) {
+      top = found;
+    }
+  }
+  for (size_t i = 0; i < group.getItemCount(); ++i) {
+    const boost::shared_ptr<ValueGroupItem> item = group.getItem(i);
+    if (item->isValueGroup()) {
+      ValueGroup found =
+          findSpecificationGroup(*boost::static_pointer_cast<ValueGroup>(item), top, items);
+      if (!found.isNull()) {
+        return found;
+      }
+    }
+  }
+  return ValueGroup::Null;
+}
+
+}  // namespace
 
 // The description is accepted for symmetry with the other providers; nothing reads it.
 XmlFileValueProviderImpl::XmlFileValueProviderImpl(int priority, const std::string&)
@@ -109,11 +145,20 @@ ValueGroup XmlFileValueProviderImpl::getSpecificationValues(const Specification&
   if (mValues.isNull()) {
     return ValueGroup(&spec);
   }
-  ValueGroup copy(mValues, 0);
+  // Only the part of the tree that belongs to the specification is copied and matched: a file
+  // that holds the sections of many tools (machine.config) is not copied whole for each of them.
+  // Matched alone, the part binds as it would inside the whole tree, since matching it starts at
+  // the items container either way.
+  const Container& items = *spec.getItemsContainer();
+  const ValueGroup part = findSpecificationGroup(mValues, &items, items);
+  if (part.isNull()) {
+    return ValueGroup(&spec);
+  }
+  ValueGroup copy(part, 0);
   ValidationErrors errors;
   SpecificationMatcher::match(copy, spec, errors);
   errors.throwIfErrors();
-  ValueGroup found = SpecificationValuesFinder::find(copy, spec.getItemsContainer());
+  ValueGroup found = SpecificationValuesFinder::find(copy, &items);
   return found.isNull() ? ValueGroup(&spec) : found;
 }
 
