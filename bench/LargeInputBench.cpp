@@ -279,11 +279,20 @@ BENCHMARK(Large_valueFile)->ArgName("MB")->Arg(5)->Arg(50)->Unit(benchmark::kMil
 BENCHMARK(Large_valueFileOneValue)->ArgName("MB")->Arg(5)->Arg(50)->Unit(benchmark::kMillisecond);
 BENCHMARK(Large_valueFileExport)->ArgName("MB")->Arg(1)->Arg(10)->Unit(benchmark::kMillisecond);
 
-BENCHMARK(Large_machineSiblings)->ArgName("elements")->Arg(100000)->Arg(1000000)
+BENCHMARK(Large_machineSiblings)
+    ->ArgName("elements")
+    ->Arg(100000)
+    ->Arg(1000000)
     ->Unit(benchmark::kMillisecond);
-BENCHMARK(Large_machineTools)->ArgName("tools")->Arg(10000)->Arg(100000)
+BENCHMARK(Large_machineTools)
+    ->ArgName("tools")
+    ->Arg(10000)
+    ->Arg(100000)
     ->Unit(benchmark::kMillisecond);
-BENCHMARK(Large_containers)->ArgName("bytes")->Arg(300000)->Arg(3000000)
+BENCHMARK(Large_containers)
+    ->ArgName("bytes")
+    ->Arg(300000)
+    ->Arg(3000000)
     ->Unit(benchmark::kMillisecond);
 
 BENCHMARK_MAIN();

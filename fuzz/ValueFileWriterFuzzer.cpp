@@ -3,8 +3,8 @@
 // disk that fills up after a number of bytes the input chooses: the file then holds either its old
 // text or the new one, whole, and no temporary file is left.
 #include <dirent.h>
-#include <sys/stat.h>
 #include <errno.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstddef>

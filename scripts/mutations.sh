@@ -30,7 +30,7 @@ mutations=(
   "help name column counts one space more|zelk/configuration/impl/HelpGenerator.cpp|s/strlen(valueName) + 1/strlen(valueName) + 2/"
   "usage one-of separator|zelk/configuration/impl/UsageGenerator.cpp|s/\" | \"/\"|\"/"
   "usage value name shown for flags only|zelk/configuration/impl/UsageGenerator.cpp|s/!= Parameter::BOOL/== Parameter::BOOL/"
-  "listener list kept when emptied|zelk/configuration/impl/ListenerManager.cpp|s/if (entry->second.empty())/if (!entry->second.empty())/"
+  "listener removal reported backwards|zelk/configuration/impl/ListenerManager.cpp|s/if (path.back()->listeners.erase(listener) == 0) {/if (path.back()->listeners.erase(listener) != 0) {/"
   "listener add without lock|zelk/configuration/impl/ListenerManager.cpp|/ListenerManager::addListener(/,/^}/s/boost::recursive_mutex::scoped_lock lock(mMutex);/;/"
   "value group add without lock|zelk/configuration/impl/ValueGroupState.cpp|/^void ValueGroupState::add(/,/^}/s/WriteGuard lock(mMutex);/;/"
   "merge of bounded containers flipped|zelk/configuration/impl/ValueGroupMerger.cpp|s/!container->isUnbounded() \&\& existing/container->isUnbounded() \&\& existing/"

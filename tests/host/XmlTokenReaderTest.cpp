@@ -1,14 +1,14 @@
 #include "zelk/host/XmlTokenReader.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdint>
 #include <cstring>
 #include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include "support/TempDir.h"
 #include "support/TextFiles.h"

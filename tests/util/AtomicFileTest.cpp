@@ -39,7 +39,9 @@ std::vector<std::string> entries(const std::string& directory) {
 
 // Restores the system's write() when a test ends, however it ends.
 struct WriteFunctionGuard {
-  explicit WriteFunctionGuard(zelk::WriteFunction write) { zelk::setWriteFunctionForTesting(write); }
+  explicit WriteFunctionGuard(zelk::WriteFunction write) {
+    zelk::setWriteFunctionForTesting(write);
+  }
   ~WriteFunctionGuard() { zelk::setWriteFunctionForTesting(nullptr); }
 };
 

@@ -9,8 +9,6 @@
 // texts that a parameter's validator rejects). With -export they are also written as a value
 // file (ValueFileWriter).
 
-#include "Commands.h"
-
 #include <cctype>
 #include <cstdint>
 #include <memory>
@@ -22,6 +20,7 @@
 
 #include "Command.h"
 #include "CommandLine.h"
+#include "Commands.h"
 #include "Installation.h"
 #include "Output.h"
 #include "OutputFormat.h"

@@ -9,8 +9,9 @@
 //   }
 #pragma once
 
-#include <string>
 #include <sys/types.h>
+
+#include <string>
 
 namespace zelk::host {
 

@@ -11,11 +11,10 @@
 // All functions are thread-safe.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <utility>
 #include <vector>
-
-#include <cstddef>
 
 namespace zelk::host {
 

@@ -26,9 +26,10 @@
 //
 // Limits. openFile refuses a file larger than getMaxFileSize() bytes (64 MiB unless set; any value
 // up to SIZE_MAX works) before reading any of it, and never reads more than one byte past the
-// limit of a file that grows while it is read; wasTooLarge() tells such a refusal from a missing file. A quoted value or a name
-// longer than getMaxTextLength() bytes (64 KiB unless set; decoded bytes for values) is an error
-// naming where it starts, so that no single text of a hostile file is copied or scanned past it.
+// limit of a file that grows while it is read; wasTooLarge() tells such a refusal from a missing
+// file. A quoted value or a name longer than getMaxTextLength() bytes (64 KiB unless set; decoded
+// bytes for values) is an error naming where it starts, so that no single text of a hostile file is
+// copied or scanned past it.
 //
 // Input. A UTF-8 byte-order mark is skipped, CR LF and CR line ends count as one line end. The
 // document must be UTF-8 without control characters other than tab, CR and LF; anything else is

@@ -20,9 +20,10 @@
 // one of the two texts, whole.
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstddef>
 #include <string>
-#include <sys/types.h>
 
 namespace zelk {
 

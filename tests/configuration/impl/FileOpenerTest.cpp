@@ -77,11 +77,11 @@ TEST_F(FileOpenerTest, AFifoIsRefusedAtOnceWhereverAFileIsRead) {
   ConfigurationManager* manager = ConfigurationManager::getInstance();
   ASSERT_NE(nullptr, manager->getSpecification("tool"));
   for (const std::string name : {"x.crg", "y.crg"}) {
-    EXPECT_TRUE(mLog.contains(std::string("Skipped registry file \"") +
-                                  (name[0] == 'x' ? mInstallation.pluginsDir()
-                                                  : mInstallation.etcDir()) +
-                                  "/" + name + "\": " + reason,
-                              "Configuration"))
+    EXPECT_TRUE(
+        mLog.contains(std::string("Skipped registry file \"") +
+                          (name[0] == 'x' ? mInstallation.pluginsDir() : mInstallation.etcDir()) +
+                          "/" + name + "\": " + reason,
+                      "Configuration"))
         << mLog.dump();
   }
 
@@ -110,8 +110,8 @@ TEST_F(FileOpenerTest, AFifoIsRefusedAtOnceWhereverAFileIsRead) {
     const ConfigurationException e = thrownBy(place.call);
     EXPECT_EQ("File \"" + place.path + "\" was not found", e.what()) << place.where;
     EXPECT_EQ(reason, e.getReason()) << place.where;
-    EXPECT_TRUE(mLog.contains("File \"" + place.path + "\" was not found: " + reason,
-                              "Configuration"))
+    EXPECT_TRUE(
+        mLog.contains("File \"" + place.path + "\" was not found: " + reason, "Configuration"))
         << place.where << '\n'
         << mLog.dump();
   }

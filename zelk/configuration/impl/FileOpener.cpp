@@ -30,7 +30,7 @@ void throwFileNotFound(const std::string& path, std::string reason) {
   if (reason.empty()) {
     struct stat info;
     reason = stat(path.c_str(), &info) != 0 ? zelk::host::hostSystemErrorText(errno)
-                                           : std::string("it cannot be opened");
+                                            : std::string("it cannot be opened");
   }
   ConfigurationException exception("File \"%s\" was not found", path.c_str());
   throwWithReason(exception, reason);
