@@ -444,7 +444,7 @@ void ConfigurationManagerImpl::loadDefaultConfigurationRegistry() {
 
 void ConfigurationManagerImpl::setMaxFileSize(std::size_t bytes) {
   ZELK_CONTRACT(bytes > 0);
-  mMaxFileSize = bytes;
+  mMaxFileSize.store(bytes, std::memory_order_relaxed);
 }
 
 bool ConfigurationManagerImpl::loadConfigurationFile(const std::string& path,

@@ -2,6 +2,7 @@
 // ConfigurationManager, and the operations that fill and query them.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -171,7 +172,7 @@ public:
 
   // The size limit of the registry and value files this manager reads (see ConfigurationManager).
   void setMaxFileSize(std::size_t bytes);
-  std::size_t getMaxFileSize() const { return mMaxFileSize; }
+  std::size_t getMaxFileSize() const { return mMaxFileSize.load(std::memory_order_relaxed); }
 
   // The priority for the next provider made for a file or the command line; each call takes one.
   int takeNextPriority() { return mNextPriority++; }
@@ -214,7 +215,8 @@ private:
   std::unique_ptr<ValueFollower> mFollower;
   std::string mRepresentation;
   int32_t mNextPriority;
-  std::size_t mMaxFileSize;
+  // Atomic: the following thread reads it while the application may set a new limit.
+  std::atomic<std::size_t> mMaxFileSize;
   // Lists the validator plug-ins; placed in memory from the host's allocator.
   zelk::host::ExtensionPoint* mValidatorExtensionPoint;
   // Guards mValueCache only; std::shared_mutex because a reader takes it on every
