@@ -22,13 +22,7 @@ const char* const COMPLETE_DIRECTORIES =
 
 // The script line that offers words: each word is a single-quoted element of an array, never
 // text that the shell expands (compgen -W would expand "$(...)" in a label when Tab is pressed).
-std::string offer(const std::vector<std::string>& words) {
-  std::string line = "words=(";
-  for (std::size_t i = 0; i < words.size(); ++i) {
-    line += (i > 0 ? " " : "") + shellWord(words[i]);
-  }
-  return line + ")";
-}
+std::string offer(const std::vector<std::string>& words) { return shellArray("words", words); }
 
 // What the word after a flag completes to: the body of one "case" branch of the script.
 std::string branchFor(const CompletionModel::ValueCompletion& value) {

@@ -48,4 +48,12 @@ std::string printable(const std::string& text) {
   return result;
 }
 
+std::string shellArray(const char* name, const std::vector<std::string>& words) {
+  std::string line = std::string(name) + "=(";
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    line += (i > 0 ? " " : "") + shellWord(words[i]);
+  }
+  return line + ")";
+}
+
 }  // namespace zelk::configtool

@@ -9,12 +9,15 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace zelk::configtool {
 
 // text as one single-quoted word of bash, zsh or any POSIX shell: nothing inside is expanded.
 // A quote inside is written as '\'' (close, escaped quote, reopen).
 std::string shellWord(const std::string& text);
+// A bash or zsh array assignment, name=('w1' 'w2' ...), each word quoted by shellWord.
+std::string shellArray(const char* name, const std::vector<std::string>& words);
 
 // text as one single-quoted word of fish, where a backslash and a quote inside single quotes are
 // escaped with a backslash.

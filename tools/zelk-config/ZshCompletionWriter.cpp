@@ -12,13 +12,7 @@ namespace {
 
 // The script line that offers words: single-quoted elements of an array, handed to compadd,
 // which inserts each one quoted for the command line.
-std::string offer(const std::vector<std::string>& words) {
-  std::string line = "offered=(";
-  for (std::size_t i = 0; i < words.size(); ++i) {
-    line += (i > 0 ? " " : "") + shellWord(words[i]);
-  }
-  return line + ")";
-}
+std::string offer(const std::vector<std::string>& words) { return shellArray("offered", words); }
 
 std::string branchFor(const CompletionModel::ValueCompletion& value) {
   switch (value.kind) {
