@@ -309,84 +309,59 @@ boost::shared_ptr<impl::ValueState> ValueGroup::findValueState(const char* name,
   return getGroupState().findValueState(name, index);
 }
 
-bool ValueGroup::tryGetValue(const char* name, bool& out, size_t index) const {
-  const boost::shared_ptr<impl::ValueState> state = findValueState(name, index);
+namespace {
+
+// Reads entry index of state into out with the typed read Read; false when there is no state.
+template <typename T, T (impl::ValueState::*Read)(size_t) const>
+bool readEntry(const boost::shared_ptr<impl::ValueState>& state, size_t index, T& out) {
   if (!state) {
     return false;
   }
-  out = state->asBool(index);
+  out = ((*state).*Read)(index);
   return true;
+}
+
+}  // namespace
+
+bool ValueGroup::tryGetValue(const char* name, bool& out, size_t index) const {
+  return readEntry<bool, &impl::ValueState::asBool>(findValueState(name, index), index, out);
 }
 
 bool ValueGroup::tryGetValue(const char* name, int32_t& out, size_t index) const {
-  const boost::shared_ptr<impl::ValueState> state = findValueState(name, index);
-  if (!state) {
-    return false;
-  }
-  out = state->asInt32(index);
-  return true;
+  return readEntry<int32_t, &impl::ValueState::asInt32>(findValueState(name, index), index, out);
 }
 
 bool ValueGroup::tryGetValue(const char* name, uint32_t& out, size_t index) const {
-  const boost::shared_ptr<impl::ValueState> state = findValueState(name, index);
-  if (!state) {
-    return false;
-  }
-  out = state->asUInt32(index);
-  return true;
+  return readEntry<uint32_t, &impl::ValueState::asUInt32>(findValueState(name, index), index, out);
 }
 
 bool ValueGroup::tryGetValue(const char* name, int64_t& out, size_t index) const {
-  const boost::shared_ptr<impl::ValueState> state = findValueState(name, index);
-  if (!state) {
-    return false;
-  }
-  out = state->asInt64(index);
-  return true;
+  return readEntry<int64_t, &impl::ValueState::asInt64>(findValueState(name, index), index, out);
 }
 
 bool ValueGroup::tryGetValue(const char* name, uint64_t& out, size_t index) const {
-  const boost::shared_ptr<impl::ValueState> state = findValueState(name, index);
-  if (!state) {
-    return false;
-  }
-  out = state->asUInt64(index);
-  return true;
+  return readEntry<uint64_t, &impl::ValueState::asUInt64>(findValueState(name, index), index, out);
 }
 
 bool ValueGroup::tryGetValue(const char* name, double& out, size_t index) const {
-  const boost::shared_ptr<impl::ValueState> state = findValueState(name, index);
-  if (!state) {
-    return false;
-  }
-  out = state->asDouble(index);
-  return true;
+  return readEntry<double, &impl::ValueState::asDouble>(findValueState(name, index), index, out);
 }
 
 bool ValueGroup::tryGetValue(const char* name, ObjectId& out, size_t index) const {
-  const boost::shared_ptr<impl::ValueState> state = findValueState(name, index);
-  if (!state) {
-    return false;
-  }
-  out = state->asOID(index);
-  return true;
+  return readEntry<ObjectId, &impl::ValueState::asOID>(findValueState(name, index), index, out);
 }
 
 bool ValueGroup::tryGetValue(const char* name, std::string& out, size_t index) const {
-  const boost::shared_ptr<impl::ValueState> state = findValueState(name, index);
-  if (!state) {
-    return false;
-  }
-  out = state->asString(index);
-  return true;
+  return readEntry<std::string, &impl::ValueState::asString>(findValueState(name, index), index,
+                                                             out);
 }
 
 bool ValueGroup::tryGetValue(const char* name, char*& out, size_t index) const {
-  const boost::shared_ptr<impl::ValueState> state = findValueState(name, index);
-  if (!state) {
+  std::string text;
+  if (!tryGetValue(name, text, index)) {
     return false;
   }
-  out = cloneString(state->asString(index).c_str());
+  out = cloneString(text.c_str());
   return true;
 }
 
