@@ -25,7 +25,11 @@ namespace zelk::test {
 
 class EtcdServer {
 public:
-  EtcdServer();
+  // How clients reach the server: plain HTTP, TLS with a certificate of a test CA made for this
+  // server, or TLS where the server also asks each client for a certificate of that CA.
+  enum Transport { PLAIN, TLS, MUTUAL_TLS };
+
+  explicit EtcdServer(Transport transport = PLAIN);
   EtcdServer(const EtcdServer&) = delete;
   EtcdServer& operator=(const EtcdServer&) = delete;
   ~EtcdServer();
@@ -37,9 +41,13 @@ public:
   void stop();
   bool running() const { return mPid > 0; }
 
-  // "http://127.0.0.1:<client port>".
+  // "http://127.0.0.1:<client port>" ("https://" with TLS).
   std::string endpoint() const;
-  // A source of key on this server.
+  // With TLS: the test CA's certificate, and a client certificate and key it signed.
+  std::string caFile() const { return mDirectory.file("ca.crt"); }
+  std::string clientCertFile() const { return mDirectory.file("client.crt"); }
+  std::string clientKeyFile() const { return mDirectory.file("client.key"); }
+  // A source of key on this server, with the files its transport needs.
   zelk::configuration::EtcdSource source(const std::string& key) const;
   // A client of this server, for setting up and checking what the tests do.
   zelk::configuration::impl::EtcdClient& client() { return *mClient; }
@@ -55,8 +63,10 @@ public:
 
 private:
   std::string tailOfLog() const;
+  void makeCertificates() const;
 
   TempDir mDirectory;
+  Transport mTransport;
   int mClientPort;
   int mPeerPort;
   pid_t mPid;

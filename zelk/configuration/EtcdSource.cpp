@@ -1,7 +1,12 @@
 #include "zelk/configuration/EtcdSource.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 
 #include "zelk/configuration/ConfigurationException.h"
 
@@ -10,7 +15,8 @@ namespace zelk::configuration {
 namespace {
 
 const char* const KNOWN_SETTINGS =
-    "endpoints, key, user, password, caFile, certFile, keyFile, whenAway, lastReceivedFile, "
+    "endpoints, key, user, password, passwordFile, caFile, certFile, keyFile, whenAway, "
+    "lastReceivedFile, "
     "connectTimeoutMs, requestTimeoutMs";
 
 std::vector<std::string> split(const std::string& text, char separator) {
@@ -36,6 +42,34 @@ long parseMilliseconds(const std::string& name, const std::string& value) {
                                  name.c_str(), value.c_str());
   }
   return result;
+}
+
+// The first line of a password file. Only a regular file is read, and it is opened without
+// blocking, so a FIFO named by mistake cannot hang the tool.
+std::string readPasswordFile(const std::string& path) {
+  const int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  struct stat status;
+  if (fd < 0 || fstat(fd, &status) != 0 || !S_ISREG(status.st_mode)) {
+    const std::string why = fd < 0 ? std::strerror(errno) : "not a regular file";
+    if (fd >= 0) {
+      close(fd);
+    }
+    throw ConfigurationException("The etcd password file \"%s\" cannot be read: %s", path.c_str(),
+                                 why.c_str());
+  }
+  std::string text;
+  char buffer[256];
+  ssize_t count;
+  while (text.find('\n') == std::string::npos && text.size() < 4096 &&
+         (count = read(fd, buffer, sizeof(buffer))) > 0) {
+    text.append(buffer, static_cast<size_t>(count));
+  }
+  close(fd);
+  text = text.substr(0, text.find('\n'));
+  if (!text.empty() && text.back() == '\r') {
+    text.pop_back();
+  }
+  return text;
 }
 
 }  // namespace
@@ -73,6 +107,8 @@ void EtcdSource::set(const std::string& name, const std::string& value) {
     user = value;
   } else if (name == "password") {
     password = value;
+  } else if (name == "passwordFile") {
+    password = readPasswordFile(value);
   } else if (name == "caFile") {
     caFile = value;
   } else if (name == "certFile") {

@@ -48,12 +48,13 @@ struct EtcdSource {
   long requestTimeoutMs = 5000;
 
   // The settings from text, "name=value" pairs separated by ';' (endpoints separated by ','):
-  // endpoints, key, user, password, caFile, certFile, keyFile, whenAway ("fail" or
+  // endpoints, key, user, password, passwordFile (the password is the file's first line, so that
+  // it does not show in the process list), caFile, certFile, keyFile, whenAway ("fail" or
   // "lastReceived"), lastReceivedFile, connectTimeoutMs, requestTimeoutMs. Throws
   // ConfigurationException for an unknown name, a bad value, or a source without endpoints or key.
   static EtcdSource parse(const std::string& text);
   // Sets one setting by its name, as parse does; throws ConfigurationException for an unknown name
-  // or a bad value.
+  // or a bad value (a passwordFile is read at once, and one that cannot be read is a bad value).
   void set(const std::string& name, const std::string& value);
   // Throws ConfigurationException when endpoints or key are missing, or when
   // START_FROM_LAST_RECEIVED has no lastReceivedFile.

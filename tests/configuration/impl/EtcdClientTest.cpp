@@ -1,21 +1,25 @@
 // The etcd gateway client against a real etcd: reads, compare-and-swap, failover, watches through
 // compaction, stop and a lost server; and answers no etcd gives (from a stand-in that answers
 // whatever it is told), which must end in an error, never a crash.
+#include "zelk/configuration/impl/EtcdClient.h"
+
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <chrono>
-#include <gtest/gtest.h>
+#include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "configuration/Models.h"
 #include "support/EtcdServer.h"
+#include "support/TempDir.h"
 #include "zelk/configuration/ConfigurationException.h"
-#include "zelk/configuration/impl/EtcdClient.h"
 #include "zelk/util/Base64.h"
 
 namespace zelk::configuration::impl {
@@ -184,6 +188,44 @@ TEST(EtcdClientTest, AuthenticatesWithUserAndPassword) {
       nullptr);
   writer.join();
   EXPECT_EQ(std::vector<std::string>{"w"}, seen);
+}
+
+// TLS with the files a source names: the cluster's certificate is checked against caFile, and a
+// cluster that asks for a client certificate gets certFile and keyFile. Without them the request
+// fails with the endpoint and curl's reason.
+TEST(EtcdClientTest, SpeaksTlsWithTheFilesOfTheSource) {
+  EtcdServer etcd(EtcdServer::MUTUAL_TLS);
+  EXPECT_EQ(0, etcd.endpoint().rfind("https://", 0));
+  etcd.put("/k", "v");
+  EXPECT_EQ("v", EtcdClient(etcd.source("/k")).range("/k").value);
+
+  EtcdSource noClientCertificate = etcd.source("/k");
+  noClientCertificate.certFile.clear();
+  noClientCertificate.keyFile.clear();
+  EXPECT_NE(std::string::npos, test::messageOf<ConfigurationException>([&] {
+                                 EtcdClient(noClientCertificate).range("/k");
+                               }).find(etcd.endpoint()));
+
+  EtcdSource untrusted = etcd.source("/k");
+  untrusted.caFile = etcd.clientCertFile();  // a certificate, but not of a CA that signed etcd's
+  const std::string message =
+      test::messageOf<ConfigurationException>([&] { EtcdClient(untrusted).range("/k"); });
+  EXPECT_NE(std::string::npos, message.find(etcd.endpoint())) << message;
+  EXPECT_NE(std::string::npos, message.find("certificate")) << message;
+}
+
+TEST(EtcdClientTest, APasswordFileGivesItsFirstLine) {
+  test::TempDir directory;
+  std::ofstream(directory.file("password")) << "secret\r\nignored\n";
+  EXPECT_EQ("secret", EtcdSource::parse("endpoints=http://h;key=/k;passwordFile=" +
+                                        directory.file("password"))
+                          .password);
+  for (const std::string& bad : {directory.file("missing"), directory.path()}) {
+    EXPECT_NE(std::string::npos,
+              test::messageOf<ConfigurationException>([&] {
+                EtcdSource::parse("endpoints=http://h;key=/k;passwordFile=" + bad);
+              }).find("The etcd password file \"" + bad + "\" cannot be read"));
+  }
 }
 
 // Answers every connection with one canned HTTP answer.
