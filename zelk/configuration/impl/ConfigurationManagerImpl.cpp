@@ -359,13 +359,9 @@ void ConfigurationManagerImpl::enableConfiguration(bool allowMachineConfig,
     }
     // Without a specification id the command line has nothing to be matched to: it is dropped.
     if (specificationId != 0 && *specificationId != '\0') {
-      CommandLineValueProvider* provider = new CommandLineValueProvider(takeNextPriority(), "");
-      try {
-        registerValueProvider(provider);
-      } catch (...) {
-        delete provider;
-        throw;
-      }
+      CommandLineValueProvider* provider =
+          Factory::registerOrDelete(new CommandLineValueProvider(takeNextPriority(), ""),
+                                    [this](ValueProvider* p) { registerValueProvider(p); });
       zelk::VectorWrapper wrapped(arguments);
       provider->enableProvider(static_cast<int>(wrapped.size()), wrapped.data(), specificationId,
                                0);
@@ -457,13 +453,9 @@ bool ConfigurationManagerImpl::loadConfigurationFile(const std::string& path,
     file = getConfigurationDir() + file;
   }
   if (zelk::host::hostFileExists(file.c_str()) != zelk::host::HOST_FILE_NOT_FOUND) {
-    XmlFileValueProvider* provider = new XmlFileValueProvider(takeNextPriority(), "");
-    try {
-      registerValueProvider(provider);
-    } catch (...) {
-      delete provider;
-      throw;
-    }
+    XmlFileValueProvider* provider =
+        Factory::registerOrDelete(new XmlFileValueProvider(takeNextPriority(), ""),
+                                  [this](ValueProvider* p) { registerValueProvider(p); });
     provider->enableProvider(file.c_str(), 0);
     mValueFiles.push_back(ValueFileSource::File{file, provider, provider->getPriority(),
                                                 ignoreIfMissing});
@@ -516,13 +508,8 @@ std::string ConfigurationManagerImpl::getEtcDir() {
 
 void ConfigurationManagerImpl::registerDefaultValidators() {
   ContextManager scope;
-  Validator* storageLocation = new StorageLocationValidator();
-  try {
-    registerValidator(storageLocation);
-  } catch (...) {
-    delete storageLocation;
-    throw;
-  }
+  Factory::registerOrDelete(new StorageLocationValidator(),
+                            [this](Validator* v) { registerValidator(v); });
   const size_t count = mValidatorExtensionPoint->pluginCount();
   for (size_t i = 0; i < count; ++i) {
     void* object = mValidatorExtensionPoint->plugin(i)->createImplementation();
@@ -686,13 +673,8 @@ void ConfigurationManagerImpl::setApplicationValues(const ValueGroup& values, in
   std::lock_guard<std::recursive_mutex> lock(mComputeMutex);
   ValueProvider* provider = getValueProvider(ConfigurationManager::APPLICATION_PROVIDER_NAME);
   if (provider == 0) {
-    provider = new ApplicationValueProvider(0, "");
-    try {
-      registerValueProvider(provider);
-    } catch (...) {
-      delete provider;
-      throw;
-    }
+    provider = Factory::registerOrDelete(new ApplicationValueProvider(0, ""),
+                                         [this](ValueProvider* p) { registerValueProvider(p); });
   } else {
     provider->reset();
   }

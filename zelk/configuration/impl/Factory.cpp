@@ -28,13 +28,23 @@ ConfigurationManager* managerOrDefault(ConfigurationManager* manager) {
 // passes on.
 template <typename T, typename Register>
 T* registered(T* object, ConfigurationManager* manager, Register registerObject) {
-  try {
-    (managerOrDefault(manager)->*registerObject)(object);
-  } catch (...) {
-    delete object;
-    throw;
+  return Factory::registerOrDelete(object,
+                                   [&](T* o) { (managerOrDefault(manager)->*registerObject)(o); });
+}
+
+// Deletes object (null is ignored), first unregistering the name key gives it from the manager
+// (the process-wide one when null) when unregister is set.
+template <typename T>
+void destroyRegistered(T* object, bool unregister, ConfigurationManager* manager,
+                       const char* (T::*key)() const,
+                       bool (ConfigurationManager::*unregisterName)(const char*)) {
+  if (object == 0) {
+    return;
   }
-  return object;
+  if (unregister) {
+    (managerOrDefault(manager)->*unregisterName)((object->*key)());
+  }
+  delete object;
 }
 
 }  // namespace
@@ -132,54 +142,29 @@ void Factory::destroy(const GroupItem* item) { delete item; }
 
 void Factory::destroy(Specification* specification, bool unregister,
                       ConfigurationManager* manager) {
-  if (specification == 0) {
-    return;
-  }
-  if (unregister) {
-    managerOrDefault(manager)->unregisterSpecification(specification->getId());
-  }
-  delete specification;
+  destroyRegistered(specification, unregister, manager, &Specification::getId,
+                    &ConfigurationManager::unregisterSpecification);
 }
 
 void Factory::destroy(GlobalItem* item, bool unregister, ConfigurationManager* manager) {
-  if (item == 0) {
-    return;
-  }
-  if (unregister) {
-    managerOrDefault(manager)->unregisterGlobalItem(item->getId());
-  }
-  delete item;
+  destroyRegistered(item, unregister, manager, &GlobalItem::getId,
+                    &ConfigurationManager::unregisterGlobalItem);
 }
 
 void Factory::destroy(EnumDefinition* enumDefinition, bool unregister,
                       ConfigurationManager* manager) {
-  if (enumDefinition == 0) {
-    return;
-  }
-  if (unregister) {
-    managerOrDefault(manager)->unregisterEnumDefinition(enumDefinition->getName());
-  }
-  delete enumDefinition;
+  destroyRegistered(enumDefinition, unregister, manager, &EnumDefinition::getName,
+                    &ConfigurationManager::unregisterEnumDefinition);
 }
 
 void Factory::destroy(Validator* validator, bool unregister, ConfigurationManager* manager) {
-  if (validator == 0) {
-    return;
-  }
-  if (unregister) {
-    managerOrDefault(manager)->unregisterValidator(validator->getName());
-  }
-  delete validator;
+  destroyRegistered(validator, unregister, manager, &Validator::getName,
+                    &ConfigurationManager::unregisterValidator);
 }
 
 void Factory::destroy(ValueProvider* provider, bool unregister, ConfigurationManager* manager) {
-  if (provider == 0) {
-    return;
-  }
-  if (unregister) {
-    managerOrDefault(manager)->unregisterValueProvider(provider->getId());
-  }
-  delete provider;
+  destroyRegistered(provider, unregister, manager, &ValueProvider::getId,
+                    &ConfigurationManager::unregisterValueProvider);
 }
 
 boost::shared_ptr<ValueState> Factory::createDefaultValue(const Parameter* parameter,
@@ -199,14 +184,8 @@ void Factory::setDefaultValueFor(ParameterRef* paramRef, const char* text) {
 }
 
 ConfigurationManager* Factory::createManager() {
-  ConfigurationManager* manager = new ConfigurationManager();
-  try {
-    manager->registerDefaultValidators();
-  } catch (...) {
-    delete manager;
-    throw;
-  }
-  return manager;
+  return registerOrDelete(new ConfigurationManager(),
+                          [](ConfigurationManager* m) { m->registerDefaultValidators(); });
 }
 
 void Factory::destroy(ConfigurationManager* manager) {

@@ -82,6 +82,19 @@ public:
   // A new unattached copy (deep: with copies of all children); null for a null item.
   static GroupItem* clone(const GroupItem* item, bool deep);
 
+  // Calls registerObject(object) and returns object; when that throws, object is deleted and the
+  // exception passes on, so a new object is either registered (and owned by its registry) or gone.
+  template <typename T, typename Register>
+  static T* registerOrDelete(T* object, Register registerObject) {
+    try {
+      registerObject(object);
+    } catch (...) {
+      delete object;
+      throw;
+    }
+    return object;
+  }
+
   // Deletes the item and, for a collection, all its children. Null is ignored.
   static void destroy(const GroupItem* item);
   // Null is ignored; with unregister the object's name is first unregistered from manager (the
