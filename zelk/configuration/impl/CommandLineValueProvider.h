@@ -28,6 +28,10 @@ public:
   // "CLI".
   const char* getName() const override;
 
+  // Whether word, following a flag, is that flag's value: it is unless it begins with "-" (so a
+  // negative number never is one; kept so). The manager's own switches follow the same rule.
+  static bool isFlagValue(const char* word) { return word[0] != '-'; }
+
   // The implementation behind this handle.
   CommandLineValueProviderImpl* getCommandLineImpl() const;
 };

@@ -11,6 +11,7 @@
 #include "zelk/configuration/Specification.h"
 #include "zelk/configuration/ValidationErrors.h"
 #include "zelk/configuration/Value.h"
+#include "zelk/configuration/impl/CommandLineValueProvider.h"
 #include "zelk/configuration/impl/ParameterPrefixIndex.h"
 #include "zelk/configuration/impl/ParameterSearchVisitor.h"
 #include "zelk/configuration/impl/SpecificationMatcher.h"
@@ -104,8 +105,7 @@ void CommandLineValueProviderImpl::setArguments(int argc, const char* const* arg
     std::string text;
     if (i + 1 < argc) {
       std::string next = wordAt(argv, i + 1);
-      // A next word that begins with "-" is never a value, not even a negative number; kept so.
-      if (next.empty() || next[0] != '-') {
+      if (CommandLineValueProvider::isFlagValue(next.c_str())) {
         text.swap(next);
         ++i;
       }

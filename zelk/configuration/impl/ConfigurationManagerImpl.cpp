@@ -333,9 +333,9 @@ void ConfigurationManagerImpl::enableConfiguration(bool allowMachineConfig,
     arguments.push_back(argumentAt(argv, 0));
     for (unsigned int i = 1; i < argc; ++i) {
       const char* argument = argumentAt(argv, i);
-      // A flag's value is the next word unless that word is a flag itself.
       const char* value = 0;
-      if (argument[0] == '-' && i + 1 < argc && argumentAt(argv, i + 1)[0] != '-') {
+      if (argument[0] == '-' && i + 1 < argc &&
+          CommandLineValueProvider::isFlagValue(argumentAt(argv, i + 1))) {
         value = argumentAt(argv, ++i);
       }
       if (strcasecmp(argument, LOAD_CONFIGURATION_SWITCH) == 0) {
