@@ -204,14 +204,8 @@ public:
 // fails there, which leaves an empty manager) and shuts it down on destruction.
 class SingletonManager {
 public:
-  SingletonManager() {
-    try {
-      zelk::configuration::ConfigurationManager::getInstance();
-    } catch (const std::exception&) {
-      // No "zelk.crg" in the installation: the manager stays, empty.
-    }
-    mManager = zelk::configuration::ConfigurationManager::getInstance();
-  }
+  SingletonManager()
+      : mManager(zelk::configuration::ConfigurationManager::getInstanceIgnoringLoadFailure()) {}
   ~SingletonManager() { zelk::configuration::ConfigurationManager::shutdown(); }
   SingletonManager(const SingletonManager&) = delete;
   SingletonManager& operator=(const SingletonManager&) = delete;

@@ -7,7 +7,6 @@
 
 #include "Command.h"
 #include "Output.h"
-#include "zelk/configuration/ConfigurationException.h"
 #include "zelk/configuration/ConfigurationManager.h"
 #include "zelk/configuration/ConfigurationRegistryLoader.h"
 #include "zelk/configuration/Specification.h"
@@ -19,7 +18,6 @@
 
 namespace zelk::configtool {
 
-using configuration::ConfigurationException;
 using configuration::ConfigurationManager;
 using configuration::ConfigurationRegistryLoader;
 using configuration::Specification;
@@ -33,14 +31,10 @@ const char* const OWN_SPECIFICATION = "zelk-config";
 const char* const END_OF_OPTIONS = "--";
 
 // The manager with no installation behind it: without a main registry its start-up fails, which
-// is expected here; the manager stays usable and empty (see ConfigurationManager::getInstance).
+// is expected here; the manager stays usable and empty.
 ConfigurationManager* startEmptyManager() {
   host::hostSetDirectories(nullptr, nullptr, nullptr);
-  try {
-    return ConfigurationManager::getInstance();
-  } catch (const ConfigurationException&) {
-    return ConfigurationManager::getInstance();
-  }
+  return ConfigurationManager::getInstanceIgnoringLoadFailure();
 }
 
 bool flagGiven(const ValueGroup& values, const char* name) {

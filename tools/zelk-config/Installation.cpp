@@ -145,12 +145,8 @@ configuration::ConfigurationManager* loadInstallation(const Directories& directo
   using configuration::ConfigurationManager;
   try {
     if (maxFileSize == 0) return ConfigurationManager::getInstance();
-    ConfigurationManager* manager = nullptr;
-    try {
-      manager = ConfigurationManager::getInstance();
-    } catch (const std::exception&) {
-      manager = ConfigurationManager::getInstance();  // loaded again just below
-    }
+    // A failed first load is loaded again just below, with the new limit.
+    ConfigurationManager* manager = ConfigurationManager::getInstanceIgnoringLoadFailure();
     manager->setMaxFileSize(maxFileSize);
     manager->reset();
     return manager;

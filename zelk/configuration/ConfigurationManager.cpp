@@ -55,6 +55,15 @@ ConfigurationManager* ConfigurationManager::getInstance() {
   return smInstance;
 }
 
+ConfigurationManager* ConfigurationManager::getInstanceIgnoringLoadFailure() {
+  try {
+    return getInstance();
+  } catch (const std::exception&) {
+    // The failed load left the manager in place, and this second call does not load again.
+    return getInstance();
+  }
+}
+
 void ConfigurationManager::shutdown() {
   boost::mutex::scoped_lock lock(singletonMutex);
   ConfigurationManager* instance = smInstance;

@@ -61,6 +61,9 @@ public:
   // the registry files. If that load throws, the exception reaches the caller and later calls
   // return the partly loaded manager without loading again.
   static ConfigurationManager* getInstance();
+  // As getInstance, but a failed first load is swallowed and the partly loaded (often empty)
+  // manager returned: for tools that inspect or repair an installation rather than run in it.
+  static ConfigurationManager* getInstanceIgnoringLoadFailure();
   // Deletes the process-wide manager (registered with atexit by getInstance()).
   static void shutdown();
 
