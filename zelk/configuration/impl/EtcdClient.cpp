@@ -101,28 +101,28 @@ std::string bytes(const json& object, const char* name, const std::string& endpo
   return result;
 }
 
-const json& member(const json& object, const char* name, const std::string& endpoint) {
-  static const json EMPTY_OBJECT = json::object();
+// The field name of object when it is of the kind of empty (an object or a list), which stands in
+// for an absent one; a bad answer saying it is not kind otherwise.
+const json& nested(const json& object, const char* name, const std::string& endpoint,
+                   const json& empty, const char* kind) {
   const json::const_iterator field = object.find(name);
   if (field == object.end() || field->is_null()) {
-    return EMPTY_OBJECT;
+    return empty;
   }
-  if (!field->is_object()) {
-    badAnswer(endpoint, std::string("\"") + name + "\" is not an object");
+  if (field->type() != empty.type()) {
+    badAnswer(endpoint, std::string("\"") + name + "\" is not " + kind);
   }
   return *field;
 }
 
+const json& member(const json& object, const char* name, const std::string& endpoint) {
+  static const json EMPTY_OBJECT = json::object();
+  return nested(object, name, endpoint, EMPTY_OBJECT, "an object");
+}
+
 const json& list(const json& object, const char* name, const std::string& endpoint) {
   static const json EMPTY_ARRAY = json::array();
-  const json::const_iterator field = object.find(name);
-  if (field == object.end() || field->is_null()) {
-    return EMPTY_ARRAY;
-  }
-  if (!field->is_array()) {
-    badAnswer(endpoint, std::string("\"") + name + "\" is not a list");
-  }
-  return *field;
+  return nested(object, name, endpoint, EMPTY_ARRAY, "a list");
 }
 
 std::string text(const json& object, const char* name) {
