@@ -29,6 +29,7 @@ public:
     mChanges.push_back(what);
     mReported.notify_all();
   }
+  void changedWhole(const std::string& what) override { changed(what); }
   void note(const std::string&) override {}
   // Waits for the count-th report; its text.
   std::string waitFor(size_t count) {

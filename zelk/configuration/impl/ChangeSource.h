@@ -39,6 +39,10 @@ public:
   // Something described by what may have changed: the follower re-reads after the coalescing
   // delay. Cheap; never blocks on the re-read.
   virtual void changed(const std::string& what) = 0;
+  // A change that arrives whole in one report (one put to a cluster key is one consistent
+  // document): the follower re-reads at once, without the coalescing delay, unless reports of the
+  // other kind are still settling.
+  virtual void changedWhole(const std::string& what) = 0;
   // A note about the source itself (it fell back to polling, it lost its connection): written to
   // the main log.
   virtual void note(const std::string& text) = 0;

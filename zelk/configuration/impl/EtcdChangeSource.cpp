@@ -35,7 +35,7 @@ void EtcdChangeSource::start(ChangeSink& sink) {
           mReceived = received;
           mHasReceived = true;
         }
-        target->changed(describe(received.modRevision));
+        target->changedWhole(describe(received.modRevision));
       },
       [target](const std::string& note) { target->note(note); });
 }

@@ -14,6 +14,7 @@ ValueFollower::ValueFollower(ConfigurationManagerImpl& manager, const std::strin
       mOptions(options),
       mSources(sources),
       mPending(false),
+      mSettling(false),
       mStopping(false),
       mStartedSources(0) {}
 
@@ -66,7 +67,16 @@ void ValueFollower::changed(const std::string&) {
   {
     std::lock_guard<std::mutex> lock(mMutex);
     mPending = true;
+    mSettling = true;
     mLastReport = std::chrono::steady_clock::now();
+  }
+  mWake.notify_all();
+}
+
+void ValueFollower::changedWhole(const std::string&) {
+  {
+    std::lock_guard<std::mutex> lock(mMutex);
+    mPending = true;
   }
   mWake.notify_all();
 }
@@ -85,7 +95,7 @@ void ValueFollower::run() {
     }
     // Wait until the sources have been quiet for the delay, or ten delays have passed.
     const auto latest = mLastReport + delay * 10;
-    for (;;) {
+    while (mSettling) {
       const auto quietUntil = std::min(mLastReport + delay, latest);
       const auto last = mLastReport;
       mWake.wait_until(lock, quietUntil,
@@ -98,6 +108,7 @@ void ValueFollower::run() {
       }
     }
     mPending = false;
+    mSettling = false;
     lock.unlock();
     mManager.applyFollowedChange(*this);
     lock.lock();

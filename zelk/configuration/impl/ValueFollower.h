@@ -44,6 +44,7 @@ public:
   bool isFollowingThread() const;
 
   void changed(const std::string& what) override;
+  void changedWhole(const std::string& what) override;
   void note(const std::string& text) override;
 
   const std::string& getSpecificationId() const { return mSpecificationId; }
@@ -61,6 +62,8 @@ private:
   std::mutex mMutex;
   std::condition_variable mWake;
   bool mPending;
+  // A report since the last re-read that must settle for the coalescing delay.
+  bool mSettling;
   bool mStopping;
   std::chrono::steady_clock::time_point mLastReport;
   std::thread mThread;
