@@ -1,6 +1,6 @@
 include(CMakePackageConfigHelpers)
 
-install(TARGETS zelk_host zelk_configuration EXPORT ZelkConfigurationTargets
+install(TARGETS zelk_util zelk_host zelk_configuration EXPORT ZelkConfigurationTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})

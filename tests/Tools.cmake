@@ -211,7 +211,7 @@ zelk_output_test(example.missing-values 2 COMMAND ${zbackup} -verbose
   MATCH "zbackup: A required flag was not specified. You must provide one of the following flags: database, destination\nUsage: zbackup")
 
 # The installed package: zelk-config, the example installation and the example tool built on its
-# own against find_package(ZelkConfiguration).
+# own against find_package(ZelkConfiguration), and again with pkg-config's flags.
 if(ZELK_INSTALL)
   set(ZELK_TOOLS_SANITIZER_FLAGS "")
   if(ZELK_SANITIZE)
@@ -223,6 +223,7 @@ if(ZELK_INSTALL)
       -DSOURCE_DIR=${PROJECT_SOURCE_DIR}
       -DWORK_DIR=${CMAKE_CURRENT_BINARY_DIR}/installed-example
       -DGENERATOR=${CMAKE_GENERATOR}
+      -DCXX=${CMAKE_CXX_COMPILER}
       -DSANITIZER_FLAGS=${ZELK_TOOLS_SANITIZER_FLAGS}
       -P ${CMAKE_CURRENT_SOURCE_DIR}/tools/installed-example.cmake)
   set_tests_properties(installed-example PROPERTIES LABELS "tools;package")

@@ -2,7 +2,7 @@
 # installed example installation and builds the example tool on its own against the installed
 # package, and runs it. Run with cmake -P; every step must succeed.
 cmake_minimum_required(VERSION 3.18)
-foreach(variable BINARY_DIR SOURCE_DIR WORK_DIR GENERATOR)
+foreach(variable BINARY_DIR SOURCE_DIR WORK_DIR GENERATOR CXX)
   if(NOT DEFINED ${variable})
     message(FATAL_ERROR "${variable} is not set")
   endif()
@@ -53,4 +53,19 @@ run(0 "Backing up database \"sales\" to backup1::/backups/sales/nightly\n.*liste
     ${WORK_DIR}/build/zbackup -loadConfiguration backup-nightly.xml -dryRun)
 run(2 "You must provide one of the following flags: database, destination"
     ${WORK_DIR}/build/zbackup)
+
+# The same tool compiled and linked with nothing but what pkg-config says of the package.
+file(GLOB_RECURSE pc ${prefix}/*/zelkconfiguration.pc)
+execute_process(COMMAND pkg-config --define-prefix --cflags --libs ${pc} RESULT_VARIABLE result
+                OUTPUT_VARIABLE flags OUTPUT_STRIP_TRAILING_WHITESPACE)
+if(NOT result EQUAL 0 OR NOT flags MATCHES "-L([^ ]+)")
+  message(FATAL_ERROR "pkg-config does not read ${pc}: ${flags}")
+endif()
+set(libdir ${CMAKE_MATCH_1})
+separate_arguments(flags UNIX_COMMAND "${flags} ${SANITIZER_FLAGS}")
+run(0 "" ${CXX} -std=c++17 "-DZBACKUP_INSTALLATION=\"${share}/examples/installation\""
+    ${share}/examples/backup-tool/main.cpp ${flags} -Wl,-rpath,${libdir}
+    -o ${WORK_DIR}/zbackup-pkg-config)
+run(2 "You must provide one of the following flags: database, destination"
+    ${WORK_DIR}/zbackup-pkg-config)
 message("The installed zelk-config and example tool work.")

@@ -12,6 +12,7 @@
 #include <new>
 
 #include "zelk/host/HostFileSystem.h"
+#include "zelk/util/UtfUtil.h"
 
 namespace zelk::host {
 
@@ -33,29 +34,6 @@ inline bool isNameChar(char c) {
 inline std::size_t sequenceLength(char lead) {
   const unsigned char u = static_cast<unsigned char>(lead);
   return u < 0x80 ? 1 : u < 0xE0 ? 2 : u < 0xF0 ? 3 : 4;
-}
-
-std::size_t encodeUtf8(unsigned int cp, char* out) {
-  if (cp < 0x80) {
-    out[0] = static_cast<char>(cp);
-    return 1;
-  }
-  if (cp < 0x800) {
-    out[0] = static_cast<char>(0xC0 | (cp >> 6));
-    out[1] = static_cast<char>(0x80 | (cp & 0x3F));
-    return 2;
-  }
-  if (cp < 0x10000) {
-    out[0] = static_cast<char>(0xE0 | (cp >> 12));
-    out[1] = static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-    out[2] = static_cast<char>(0x80 | (cp & 0x3F));
-    return 3;
-  }
-  out[0] = static_cast<char>(0xF0 | (cp >> 18));
-  out[1] = static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
-  out[2] = static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-  out[3] = static_cast<char>(0x80 | (cp & 0x3F));
-  return 4;
 }
 
 // Copies whole characters into a caller buffer and cuts silently when it is full: once one
@@ -610,7 +588,8 @@ bool XmlTokenReader::readQuoted(char* buffer, std::size_t size) {
         return false;
       }
       char encoded[4];
-      const std::size_t n = encodeUtf8(cp, encoded);
+      // A reference is at most 0x10FFFF (checked above), which always encodes.
+      const std::size_t n = static_cast<std::size_t>(zelk::UtfUtil::codePointToUtf8(cp, encoded));
       out.append(encoded, n);
       length += n;
       i += reference + 1;
