@@ -86,6 +86,24 @@ zelk_output_test(zelk-config.values 0
   COMMAND ${zc} -values -spec zbackup ${example} -valueFile backup-nightly.xml
           -- -destination backup2::/spare -verbose
   EXPECTED ${ZELK_TOOL_EXPECTED}/values-zbackup.txt)
+# -explain: every source of each value with where it was written, in force or overridden; a
+# value-file value over machine.config's, a command-line word over a file's, defaults from the
+# registry, and the entries of an unbounded value from two sources.
+zelk_output_test(zelk-config.values-explain 0
+  COMMAND ${zc} -values -explain -spec zbackup ${example} -valueFile backup-nightly.xml
+          -- -destination backup2::/spare -verbose -object 1-2-3-4
+  EXPECTED ${ZELK_TOOL_EXPECTED}/values-explain-zbackup.txt)
+# Words of the tool's command line are counted as the tool sees them, its own
+# -loadConfiguration included; a value in an instance of an unbounded container is explained
+# there.
+zelk_output_test(zelk-config.values-explain-json 0
+  COMMAND ${zc} -values -explain -json -spec zexport ${example} -noMachineConfig
+          -- -loadConfiguration export-customers.xml -className Order
+  MATCH "\"name\": \"className\",.*\"explain\": .\n *{\n *\"source\": \"command line\",\n *\"inForce\": true,\n *\"entries\": .\n *{\n *\"text\": \"Order\",\n *\"argument\": 3\n"
+  MATCH "\"text\": \"Address\",\n *\"file\": \"@SOURCE_DIR@/examples/installation/config/export-customers.xml\",\n *\"line\": 9,\n *\"column\": 14\n"
+  MATCH "\"name\": \"width\",.*\"texts\": .\"20\".,.*\"inForce\": true,.*\"column\": 28\n.*\"source\": \"default\",\n *\"inForce\": false,\n *\"entries\": .\n *{\n *\"text\": \"0\",\n *\"file\": \"@SOURCE_DIR@/examples/installation/etc/zelk.crg\",\n *\"line\": 162,")
+zelk_output_test(zelk-config.explain-without-values 2 COMMAND ${zc} -list -explain
+  MATCH "^zelk-config: -explain goes with -values\n")
 zelk_output_test(zelk-config.values-unbounded-containers 0
   COMMAND ${zc} -values -spec zexport ${example} -valueFile export-customers.xml
           -- -className Order

@@ -99,6 +99,10 @@ void readOptions(const ValueGroup& values, Options& options) {
   if (options.watch && options.command != findCommand("values")) {
     throw std::invalid_argument("-watch goes with -values");
   }
+  options.explain = flagGiven(values, "explain");
+  if (options.explain && options.command != findCommand("values")) {
+    throw std::invalid_argument("-explain goes with -values");
+  }
   options.etcd = textGiven(values, "cluster");
   options.publish = flagGiven(values, "publish");
   const Value revision = values.getValue("revision", nullptr, false);

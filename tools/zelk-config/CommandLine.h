@@ -28,6 +28,7 @@ struct Options {
   std::string formatFlag;                 // how the format was given: "-format json" or "-json"
   std::optional<std::string> exportFile;  // -values also writes the values as a value file
   bool watch = false;                     // -values then follows the value files
+  bool explain = false;                   // -values tells every source of each value
   std::optional<std::string> etcd;        // -cluster: the etcd key of -readKey and -publish
   bool publish = false;                   // -values puts its one value file into the etcd key
   std::optional<long long> revision;      // -publish only over this revision of the key

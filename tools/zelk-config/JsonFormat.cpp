@@ -43,7 +43,8 @@ public:
   }
 
   void value(const ParameterRef& reference, const std::vector<std::string>& texts,
-             const std::vector<std::size_t>& sources, const Container* strayFrom) override {
+             const std::vector<std::size_t>& sources, const Container* strayFrom,
+             const std::vector<Contribution>* story) override {
     mJson.beginObject();
     mJson.key("name");
     mJson.value(reference.getId());
@@ -59,6 +60,7 @@ public:
       mJson.key("notReadHere");
       mJson.value(std::string("it belongs in \"") + strayFrom->getId() + "\"");
     }
+    if (story != nullptr) explain(*story);
     mJson.endObject();
   }
 
@@ -81,6 +83,47 @@ public:
   }
 
 private:
+  // "explain": every source's part, in order of precedence: the source as "sources" names it,
+  // whether it is in force, and each entry's text and place (file, line and column, or the word
+  // of the tool's command line); a place not known is left out.
+  void explain(const std::vector<Contribution>& story) {
+    mJson.key("explain");
+    mJson.beginArray();
+    for (const Contribution& contribution : story) {
+      mJson.beginObject();
+      mJson.key("source");
+      mJson.value(
+          SourceTracker::namesOf({contribution.source}, mSources.getMachineNames(), "unknown")
+              .front());
+      mJson.key("inForce");
+      mJson.value(!contribution.overridden);
+      mJson.key("entries");
+      mJson.beginArray();
+      for (std::size_t i = 0; i < contribution.texts.size(); ++i) {
+        mJson.beginObject();
+        mJson.key("text");
+        mJson.value(contribution.texts[i]);
+        const EntryPlace place =
+            i < contribution.places.size() ? contribution.places[i] : EntryPlace();
+        if (place.line != 0) {
+          mJson.key("file");
+          mJson.value(place.file);
+          mJson.key("line");
+          mJson.number(place.line);
+          mJson.key("column");
+          mJson.number(place.column);
+        } else if (place.argument > 0) {
+          mJson.key("argument");
+          mJson.number(place.argument);
+        }
+        mJson.endObject();
+      }
+      mJson.endArray();
+      mJson.endObject();
+    }
+    mJson.endArray();
+  }
+
   JsonWriter mJson;
   const SourceTracker& mSources;
 };

@@ -118,6 +118,11 @@ void JsonWriter::value(bool flag) {
   mOut << (flag ? "true" : "false");
 }
 
+void JsonWriter::number(long long number) {
+  beforeValue();
+  mOut << number;
+}
+
 void JsonWriter::value(const std::vector<std::string>& texts) {
   beforeValue();
   mOut << '[';

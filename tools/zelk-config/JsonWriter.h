@@ -32,6 +32,7 @@ public:
   void value(const std::string& text);
   void value(const char* text);
   void value(bool flag);
+  void number(long long number);
   void value(const std::vector<std::string>& texts);
 
   // text as a JSON string, quotes included.

@@ -31,7 +31,8 @@ public:
   }
 
   void value(const ParameterRef& reference, const std::vector<std::string>& texts,
-             const std::vector<std::size_t>& sources, const Container* strayFrom) override {
+             const std::vector<std::size_t>& sources, const Container* strayFrom,
+             const std::vector<Contribution>* story) override {
     const std::vector<std::string> labels =
         SourceTracker::namesOf(sources, mSources.getLabels(), "?");
     const Parameter* parameter = reference.getParameter();
@@ -50,6 +51,7 @@ public:
       mOut << "  (not read here: it belongs in \"" << strayFrom->getId() << "\")";
     }
     mOut << '\n';
+    if (story != nullptr) explain(*story);
   }
 
   void beginContainer(const Container& container) override {
@@ -62,6 +64,36 @@ public:
   void end() override {}
 
 private:
+  // One line for each entry of each source, under the value: whether it is in force, its text
+  // and where it was written.
+  void explain(const std::vector<Contribution>& story) {
+    const std::string indent(2 * mDepth + 4, ' ');
+    for (const Contribution& contribution : story) {
+      for (std::size_t i = 0; i < contribution.texts.size(); ++i) {
+        mOut << indent << (contribution.overridden ? "overridden" : "in force  ") << "  "
+             << contribution.texts[i] << "  from " << whereFrom(contribution, i) << '\n';
+      }
+    }
+  }
+
+  // "/x/y.xml:3:7", "the command line, argument 4", "the default at /x/zelk.crg:40:7", or the
+  // source's name where no place is known.
+  std::string whereFrom(const Contribution& contribution, std::size_t entry) const {
+    const EntryPlace place =
+        entry < contribution.places.size() ? contribution.places[entry] : EntryPlace();
+    const std::string at = place.line != 0 ? place.file + ':' + std::to_string(place.line) + ':' +
+                                                 std::to_string(place.column)
+                                           : std::string();
+    if (contribution.source == FROM_DEFAULT) {
+      return "the default" + (at.empty() ? std::string() : " at " + at);
+    }
+    if (!at.empty()) return at;
+    if (place.argument > 0) return "the command line, argument " + std::to_string(place.argument);
+    return contribution.source < mSources.getNames().size()
+               ? mSources.getNames()[contribution.source]
+               : std::string("?");
+  }
+
   std::ostream& mOut;
   const SourceTracker& mSources;
   std::size_t mDepth = 1;

@@ -137,7 +137,9 @@ struct GroupIndex {
 // what no source gave, nested groups in place.
 class ValuesWalker {
 public:
-  ValuesWalker(ValuesSink& sink, const SourceTracker& sources) : mSink(sink), mSources(sources) {}
+  // With explain, each value goes with every source's part in it.
+  ValuesWalker(ValuesSink& sink, const SourceTracker& sources, bool explain)
+      : mSink(sink), mSources(sources), mExplain(explain) {}
 
   // Walks the group's items in the order of the container, then what the group holds that the
   // container does not place there. replayed is the same group in the source tracker's tree.
@@ -162,8 +164,11 @@ private:
       const auto* value = dynamic_cast<const ValueBase*>(item.get());
       const ParameterRef* reference = value != nullptr ? value->getParameterRef() : nullptr;
       if (reference == nullptr) continue;
-      mSink.value(*reference, textsOf(*value),
-                  sourcesOf(*value, twins.findValue(value->getName())), reference->getContainer());
+      const boost::shared_ptr<ValueBase> twin = twins.findValue(value->getName());
+      const std::vector<Contribution> story =
+          twin ? mSources.contributionsOf(*twin) : std::vector<Contribution>();
+      mSink.value(*reference, textsOf(*value), sourcesOf(*value, twin), reference->getContainer(),
+                  mExplain ? &story : nullptr);
     }
   }
 
@@ -185,8 +190,11 @@ private:
     const char* id = reference.getId();
     boost::shared_ptr<ValueBase> value = items.findValue(id);
     std::vector<std::size_t> sources;
+    std::vector<Contribution> story;
     if (value && value->isMatched()) {
-      sources = sourcesOf(*value, twins.findValue(id));
+      const boost::shared_ptr<ValueBase> twin = twins.findValue(id);
+      sources = sourcesOf(*value, twin);
+      if (mExplain && twin) story = mSources.contributionsOf(*twin);
     } else {
       // The default a tool reads for an absent value (members of a one-of have none).
       if (reference.getOneOf() != nullptr) return;
@@ -194,9 +202,10 @@ private:
       if (fallback.isNull() || !fallback.hasValues()) return;
       value = boost::shared_ptr<ValueBase>(new Value(fallback));
       sources.assign(value->getValueCount(), FROM_DEFAULT);
+      if (mExplain) story = mSources.defaultOf(reference);
     }
     mWalked.insert(value->getInstanceId());
-    mSink.value(reference, textsOf(*value), sources, nullptr);
+    mSink.value(reference, textsOf(*value), sources, nullptr, mExplain ? &story : nullptr);
   }
 
   void walkContainer(const GroupIndex& items, const GroupIndex& twins, const Container& container) {
@@ -215,6 +224,7 @@ private:
 
   ValuesSink& mSink;
   const SourceTracker& mSources;
+  const bool mExplain;
   std::set<uint32_t> mWalked;  // instance ids of the values reported in their place
 };
 
@@ -261,7 +271,13 @@ bool namedByUser(const Options& options, const std::string& path) {
 
 // The manager enabled as the tool would enable it, with the specification; null, with the
 // problem reported, when that fails.
+// Where the tool's own arguments begin in the words that enableAsTheTool gives the manager.
+int firstToolWord(const Options& options) {
+  return 1 + 2 * static_cast<int>(options.valueFiles.size());
+}
+
 const Specification* enableAsTheTool(ConfigurationManager& manager, const Options& options) {
+  // The words as firstToolWord counts them.
   std::vector<std::string> words{options.specification};
   for (const std::string& file : options.valueFiles) {
     words.push_back(LOAD_CONFIGURATION_SWITCH);
@@ -273,6 +289,8 @@ const Specification* enableAsTheTool(ConfigurationManager& manager, const Option
 
   const Specification* specification = nullptr;
   try {
+    // Where values and defaults were written is kept from the reload that enabling makes.
+    manager.setKeepPositions(options.explain);
     // The specification is looked up after enabling: enabling reloads every registry.
     manager.enableConfiguration(!options.noMachineConfig,
                                 options.applicationFile ? options.applicationFile->c_str() : nullptr,
@@ -311,6 +329,16 @@ ValueGroup readValues(ConfigurationManager& manager, const Options& options) {
   return problems.empty() ? values : ValueGroup();
 }
 
+// Writes the values in the chosen format, in the order of the specification.
+void writeValues(std::ostream& out, const Options& options, const SourceTracker& sources,
+                 const ValueGroup& values, const Specification& specification) {
+  const std::unique_ptr<ValuesSink> sink = chosenFormat(options).makeValuesSink(out, sources);
+  sink->begin(specification);
+  ValuesWalker(*sink, sources, options.explain)
+      .walkGroup(values, sources.getReplay(), *specification.getItemsContainer());
+  sink->end();
+}
+
 }  // namespace
 
 int runValues(const CommandContext& context) {
@@ -341,7 +369,7 @@ int runValues(const CommandContext& context) {
   for (const std::string& note : pluginSkipNotes()) printError("note: " + note);
 
   SourceTracker sources;
-  sources.replay(*manager, *specification);
+  sources.replay(*manager, *specification, options.explain ? firstToolWord(options) : -1);
   for (const std::string& file : sources.getSilentFiles()) {
     if (!namedByUser(options, file)) continue;
     const std::string root = rootElementOf(file);
@@ -369,12 +397,7 @@ int runValues(const CommandContext& context) {
                            : EXIT_PROBLEMS;
   }
 
-  const std::unique_ptr<ValuesSink> sink =
-      chosenFormat(options).makeValuesSink(context.out, sources);
-  sink->begin(*specification);
-  ValuesWalker(*sink, sources).walkGroup(values, sources.getReplay(),
-                                         *specification->getItemsContainer());
-  sink->end();
+  writeValues(context.out, options, sources, values, *specification);
   if (options.watch) {
     context.out.flush();
     return watchValues(*manager, options.specification.c_str(), context.out);

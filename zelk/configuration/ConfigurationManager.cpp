@@ -197,6 +197,14 @@ void ConfigurationManager::setMaxFileSize(std::size_t bytes) { mImpl->setMaxFile
 
 std::size_t ConfigurationManager::getMaxFileSize() const { return mImpl->getMaxFileSize(); }
 
+void ConfigurationManager::setKeepPositions(bool keep) { mImpl->setKeepPositions(keep); }
+
+bool ConfigurationManager::getKeepPositions() const { return mImpl->getKeepPositions(); }
+
+SourcePosition ConfigurationManager::getDefaultPosition(const ParameterRef& reference) const {
+  return mImpl->getDefaultPosition(reference);
+}
+
 ValueGroup ConfigurationManager::getValueGroup(const char* specificationId, bool required,
                                                int flags) const {
   return mImpl->getValueGroup(specificationId, required, flags);

@@ -23,6 +23,7 @@
 
 #include "zelk/configuration/ConfigurationManagerBase.h"
 #include "zelk/configuration/FollowOptions.h"
+#include "zelk/configuration/SourcePosition.h"
 #include "zelk/util/IEnumerator.h"
 
 namespace zelk::configuration {
@@ -32,6 +33,7 @@ struct EtcdSource;
 class EnumDefinition;
 class GlobalItem;
 class GroupItem;
+class ParameterRef;
 class Specification;
 class ValidationErrors;
 class Validator;
@@ -139,6 +141,22 @@ public:
   //   manager->enableConfiguration(true, nullptr, argc, argv, "tool");
   void setMaxFileSize(std::size_t bytes);
   std::size_t getMaxFileSize() const;
+
+  // Whether the loads that follow keep where each value was written, for tools that explain
+  // values to a person: the line and column of each attribute of a value file (see
+  // XmlFileValueProvider::placeEntries), the word of each command-line flag (see
+  // CommandLineValueProvider::placeEntries) and the place of each registry "default"
+  // (getDefaultPosition). Off unless set: keeping them costs a pass over each file's text, and a
+  // value file's document is then kept beside its values.
+  //
+  //   manager->setKeepPositions(true);
+  //   manager->enableConfiguration(true, nullptr, argc, argv, "tool");  // reloads, keeping them
+  void setKeepPositions(bool keep);
+  bool getKeepPositions() const;
+  // Where the default that reference gives was written: its own "default" attribute, else its
+  // parameter's. Unknown (line 0) when there is none, or when positions were not kept while the
+  // registry was loaded.
+  SourcePosition getDefaultPosition(const ParameterRef& reference) const;
 
   // The merged, validated and completed values of the specification, cached per id. Safe to
   // call from several threads once the manager is set up: a cached tree is handed out under a

@@ -96,8 +96,8 @@ void XmlTokenReader::reset() {
   mRefusedSize = 0;
   mFailureReason.clear();
   mLineCacheOffset = 0;
-  mLineCacheStart = 0;
   mLineCacheLine = 1;
+  mLineCacheColumn = 1;
 }
 
 bool XmlTokenReader::openFile(const char* path) {
@@ -222,7 +222,7 @@ void XmlTokenReader::validate() {
   const unsigned char* u = reinterpret_cast<const unsigned char*>(mData);
   if (mSize >= 3 && u[0] == 0xEF && u[1] == 0xBB && u[2] == 0xBF) {
     mPos = mStart = 3;
-    mLineCacheOffset = mLineCacheStart = 3;
+    mLineCacheOffset = 3;
   } else if (mSize >= 2 && ((u[0] == 0xFE && u[1] == 0xFF) || (u[0] == 0xFF && u[1] == 0xFE) ||
                             (u[0] == 0 && u[1] == 0))) {
     fail(0, "Unsupported encoding (only UTF-8 is read)");
@@ -275,24 +275,23 @@ void XmlTokenReader::lineAndColumn(std::size_t at, unsigned int& line, unsigned 
   }
   if (at < mLineCacheOffset) {
     mLineCacheOffset = mStart;
-    mLineCacheStart = mStart;
     mLineCacheLine = 1;
+    mLineCacheColumn = 1;
   }
+  // The column is counted on from the last position too, so that positions asked for in
+  // increasing order cost one pass over the text even when it is all one line.
   for (std::size_t i = mLineCacheOffset; i < at; ++i) {
     const char c = mData[i];
     if (c == '\n' || (c == '\r' && mData[i + 1] != '\n')) {
       ++mLineCacheLine;
-      mLineCacheStart = i + 1;
+      mLineCacheColumn = 1;
+    } else if ((static_cast<unsigned char>(c) & 0xC0) != 0x80) {
+      ++mLineCacheColumn;
     }
   }
   mLineCacheOffset = at;
   line = mLineCacheLine;
-  column = 1;
-  for (std::size_t i = mLineCacheStart; i < at; ++i) {
-    if ((static_cast<unsigned char>(mData[i]) & 0xC0) != 0x80) {
-      ++column;
-    }
-  }
+  column = mLineCacheColumn;
 }
 
 unsigned int XmlTokenReader::getLine() const {

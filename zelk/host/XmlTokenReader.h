@@ -181,10 +181,10 @@ private:
   std::size_t mMaxTextLength = DEFAULT_MAX_TEXT_LENGTH;
   unsigned long long mRefusedSize = 0;
   std::string mFailureReason;
-  // Line counting is incremental: the last position asked for and its line and line start.
+  // Line counting is incremental: the last position asked for and its line and column.
   mutable std::size_t mLineCacheOffset = 0;
-  mutable std::size_t mLineCacheStart = 0;
   mutable unsigned int mLineCacheLine = 1;
+  mutable unsigned int mLineCacheColumn = 1;
 };
 
 }  // namespace zelk::host

@@ -16,6 +16,7 @@
 #include "zelk/configuration/impl/ParameterSearchVisitor.h"
 #include "zelk/configuration/impl/SpecificationMatcher.h"
 #include "zelk/configuration/impl/ValueAccess.h"
+#include "zelk/configuration/impl/ValueItemState.h"
 #include "zelk/configuration/impl/ValueState.h"
 #include "zelk/util/SafeFormat.h"
 #include "zelk/util/StringFunctions.h"
@@ -34,6 +35,11 @@ std::string wordAt(const char* const* argv, int index) {
   return word != 0 ? zelk::trim(word) : std::string();
 }
 
+// The number of word index in the command line it came from, when that is known.
+int numberOf(const std::vector<int>& numbers, int index) {
+  return static_cast<size_t>(index) < numbers.size() ? numbers[index] : index;
+}
+
 }  // namespace
 
 CommandLineValueProviderImpl::CommandLineValueProviderImpl(int priority, const std::string& id)
@@ -49,6 +55,9 @@ void CommandLineValueProviderImpl::setArguments(int argc, const char* const* arg
   mNeedsMatching = false;
   // The previous tree is dropped, not emptied: trees handed out earlier share it.
   mValues = ValueGroup(ConfigurationManager::COMMAND_LINE_PROVIDER_NAME);
+  mFlagWords.clear();
+  std::vector<int> wordNumbers;
+  wordNumbers.swap(mWordNumbers);
   if (argc == 0) {
     return;
   }
@@ -80,6 +89,8 @@ void CommandLineValueProviderImpl::setArguments(int argc, const char* const* arg
   } scope(*this, spec);
 
   ValueGroup parsed(spec);
+  std::vector<std::pair<std::string, int>> flagWords;
+  const bool keepWords = manager->getKeepPositions();
   const bool allowAbbreviation = (options & EXACT_FLAG_NAMES) == 0;
   const bool acceptBareWords = (options & ACCEPT_BARE_WORDS) != 0;
   for (int i = 1; i < argc; ++i) {
@@ -95,6 +106,7 @@ void CommandLineValueProviderImpl::setArguments(int argc, const char* const* arg
       }
       Value value = createValue(*spec, word.c_str(), 0, allowAbbreviation);
       parsed.add(value);
+      if (keepWords) flagWords.emplace_back(value.getName(), numberOf(wordNumbers, i));
       continue;
     }
     // Only one dash is removed: "--name" is the flag "-name".
@@ -102,6 +114,7 @@ void CommandLineValueProviderImpl::setArguments(int argc, const char* const* arg
     if (flag.empty()) {
       throw ConfigurationException("%s", "A command line parameter cannot be empty");
     }
+    const int flagWord = i;
     std::string text;
     if (i + 1 < argc) {
       std::string next = wordAt(argv, i + 1);
@@ -113,8 +126,32 @@ void CommandLineValueProviderImpl::setArguments(int argc, const char* const* arg
     Value value =
         createValue(*spec, flag.c_str(), text.empty() ? 0 : text.c_str(), allowAbbreviation);
     parsed.add(value);
+    if (keepWords) flagWords.emplace_back(value.getName(), numberOf(wordNumbers, flagWord));
   }
   mValues = parsed;
+  mFlagWords.swap(flagWords);
+}
+
+std::map<uint32_t, std::vector<int>> CommandLineValueProviderImpl::placeEntries(
+    const ValueGroup& answer) const {
+  std::map<uint32_t, std::vector<int>> placed;
+  if (mFlagWords.empty() || answer.isNull()) {
+    return placed;
+  }
+  // Flags of one name joined one value, in the order given; every value is at the top.
+  for (size_t i = 0; i < answer.getItemCount(); ++i) {
+    const boost::shared_ptr<ValueGroupItem> item = answer.getItem(i);
+    if (item->isValueGroup()) {
+      continue;
+    }
+    std::vector<int>& words = placed[item->getInstanceId()];
+    for (const std::pair<std::string, int>& flag : mFlagWords) {
+      if (ValueItemState::namesEqual(flag.first.c_str(), item->getName())) {
+        words.push_back(flag.second);
+      }
+    }
+  }
+  return placed;
 }
 
 ValueGroup CommandLineValueProviderImpl::getSpecificationValues(const Specification& spec,
@@ -155,6 +192,7 @@ void CommandLineValueProviderImpl::reset() {
   // Dropped, not reset: the values live on in the trees that share them.
   mValues = ValueGroup(ConfigurationManager::COMMAND_LINE_PROVIDER_NAME);
   mNeedsMatching = false;
+  mFlagWords.clear();
   ValueProviderImpl::reset();
 }
 

@@ -11,9 +11,13 @@
 //   ValueGroup raw = impl.getSpecificationValues(*spec, 0);
 #pragma once
 
-#include <boost/scoped_ptr.hpp>
+#include <cstdint>
+#include <map>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include <boost/scoped_ptr.hpp>
 
 #include "zelk/configuration/ValueGroup.h"
 #include "zelk/configuration/impl/ValueProviderImpl.h"
@@ -45,6 +49,16 @@ public:
   // else a new empty group for spec.
   ValueGroup getSpecificationValues(const Specification& spec, int options) const override;
 
+  // For the next setArguments only: the number of each of its words in the command line they
+  // were taken from, which placeEntries then reports instead of their index in argv.
+  void setWordNumbers(const std::vector<int>& numbers) { mWordNumbers = numbers; }
+
+  // The word of the argument vector given to setArguments (0 the program) that gave each entry
+  // of the values of answer, a tree that getValues gave: by the value's instance id, in entry
+  // order. Empty unless the manager kept positions (ConfigurationManager::setKeepPositions)
+  // when the words were parsed.
+  std::map<uint32_t, std::vector<int>> placeEntries(const ValueGroup& answer) const;
+
   // Drops the parsed values (unchanged: trees handed out may share them), then disables the
   // provider.
   void reset() override;
@@ -74,6 +88,9 @@ private:
   // setArguments returns, so the index never outlives a change of the specification.
   const Specification* mParsedSpecification;
   boost::scoped_ptr<ParameterPrefixIndex> mPrefixIndex;
+  // With positions kept: the name of the value each flag made and the flag's word, in order.
+  std::vector<std::pair<std::string, int>> mFlagWords;
+  std::vector<int> mWordNumbers;
 };
 
 }  // namespace zelk::configuration::impl

@@ -21,6 +21,7 @@
 #include "zelk/configuration/EtcdValueProvider.h"
 #include "zelk/configuration/GlobalItem.h"
 #include "zelk/configuration/Parameter.h"
+#include "zelk/configuration/ParameterRef.h"
 #include "zelk/configuration/Specification.h"
 #include "zelk/configuration/ValidationErrors.h"
 #include "zelk/configuration/ValidationException.h"
@@ -32,6 +33,7 @@
 #include "zelk/configuration/XmlFileValueProvider.h"
 #include "zelk/configuration/impl/ChangeSource.h"
 #include "zelk/configuration/impl/CommandLineValueProvider.h"
+#include "zelk/configuration/impl/CommandLineValueProviderImpl.h"
 #include "zelk/configuration/impl/ConfigurationRegistryFilesFinder.h"
 #include "zelk/configuration/impl/ContextManager.h"
 #include "zelk/configuration/impl/EtcdChangeSource.h"
@@ -105,6 +107,7 @@ ConfigurationManagerImpl::ConfigurationManagerImpl(ConfigurationManager* self)
       mGeneration(new RegistryGeneration),
       mNextPriority(1),
       mMaxFileSize(zelk::host::XmlTokenReader::DEFAULT_MAX_FILE_SIZE),
+      mKeepPositions(false),
       mValidatorExtensionPoint(0) {
   ZELK_CONTRACT(mSelf != 0);
   void* memory = zelk::host::hostMalloc(sizeof(zelk::host::ExtensionPoint));
@@ -331,6 +334,10 @@ void ConfigurationManagerImpl::enableConfiguration(bool allowMachineConfig,
     std::vector<std::string> arguments;
     arguments.reserve(argc);
     arguments.push_back(argumentAt(argv, 0));
+    // Where each word kept stands in argv, for explaining values (only when positions are kept).
+    const bool keepWords = getKeepPositions();
+    std::vector<int> wordNumbers;
+    if (keepWords) wordNumbers.push_back(0);
     for (unsigned int i = 1; i < argc; ++i) {
       const char* argument = argumentAt(argv, i);
       const char* value = 0;
@@ -353,8 +360,10 @@ void ConfigurationManagerImpl::enableConfiguration(bool allowMachineConfig,
         continue;
       }
       arguments.push_back(argument);
+      if (keepWords) wordNumbers.push_back(static_cast<int>(value != 0 ? i - 1 : i));
       if (value != 0) {
         arguments.push_back(value);
+        if (keepWords) wordNumbers.push_back(static_cast<int>(i));
       }
     }
     // Without a specification id the command line has nothing to be matched to: it is dropped.
@@ -362,6 +371,7 @@ void ConfigurationManagerImpl::enableConfiguration(bool allowMachineConfig,
       CommandLineValueProvider* provider =
           Factory::registerOrDelete(new CommandLineValueProvider(takeNextPriority(), ""),
                                     [this](ValueProvider* p) { registerValueProvider(p); });
+      provider->getCommandLineImpl()->setWordNumbers(wordNumbers);
       zelk::VectorWrapper wrapped(arguments);
       provider->enableProvider(static_cast<int>(wrapped.size()), wrapped.data(), specificationId,
                                0);
@@ -441,6 +451,17 @@ void ConfigurationManagerImpl::loadDefaultConfigurationRegistry() {
 void ConfigurationManagerImpl::setMaxFileSize(std::size_t bytes) {
   ZELK_CONTRACT(bytes > 0);
   mMaxFileSize.store(bytes, std::memory_order_relaxed);
+}
+
+SourcePosition ConfigurationManagerImpl::getDefaultPosition(const ParameterRef& reference) const {
+  auto found = mDefaultPositions.find(&reference);
+  if (found == mDefaultPositions.end()) found = mDefaultPositions.find(reference.getParameter());
+  return found != mDefaultPositions.end() ? found->second : SourcePosition();
+}
+
+void ConfigurationManagerImpl::keepDefaultPosition(const void* item,
+                                                   const SourcePosition& position) {
+  mDefaultPositions[item] = position;
 }
 
 bool ConfigurationManagerImpl::loadConfigurationFile(const std::string& path,
@@ -539,6 +560,7 @@ void ConfigurationManagerImpl::clearCaches() {
   mGeneration->retire(mSpecifications.release(), mGlobalItems.release(), mValidators.release(),
                       mEnumDefinitions.release());
   mGeneration = new RegistryGeneration;
+  mDefaultPositions.clear();
   mRepresentation.clear();
 }
 

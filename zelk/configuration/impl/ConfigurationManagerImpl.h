@@ -11,6 +11,7 @@
 #include <shared_mutex>
 #include <string>
 #include <thread>
+#include <unordered_map>
 #include <vector>
 
 #include <boost/intrusive_ptr.hpp>
@@ -174,6 +175,14 @@ public:
   void setMaxFileSize(std::size_t bytes);
   std::size_t getMaxFileSize() const { return mMaxFileSize.load(std::memory_order_relaxed); }
 
+  // Whether loads keep positions, and the registry defaults' places (see ConfigurationManager).
+  void setKeepPositions(bool keep) { mKeepPositions.store(keep, std::memory_order_relaxed); }
+  bool getKeepPositions() const { return mKeepPositions.load(std::memory_order_relaxed); }
+  SourcePosition getDefaultPosition(const ParameterRef& reference) const;
+  // Called by the registry loader, when positions are kept, for an item (a Parameter or a
+  // ParameterRef) whose "default" attribute stands at position.
+  void keepDefaultPosition(const void* item, const SourcePosition& position);
+
   // The priority for the next provider made for a file or the command line; each call takes one.
   int takeNextPriority() { return mNextPriority++; }
 
@@ -217,6 +226,10 @@ private:
   int32_t mNextPriority;
   // Atomic: the following thread reads it while the application may set a new limit.
   std::atomic<std::size_t> mMaxFileSize;
+  std::atomic<bool> mKeepPositions;  // read by the following thread too
+  // The place of each registry default, by item, while positions are kept; cleared with the
+  // registries.
+  std::unordered_map<const void*, SourcePosition> mDefaultPositions;
   // Lists the validator plug-ins; placed in memory from the host's allocator.
   zelk::host::ExtensionPoint* mValidatorExtensionPoint;
   // Guards mValueCache only; std::shared_mutex because a reader takes it on every

@@ -17,6 +17,7 @@
 #include "zelk/configuration/ParameterRef.h"
 #include "zelk/configuration/Specification.h"
 #include "zelk/configuration/ValidationErrors.h"
+#include "zelk/configuration/impl/ConfigurationManagerImpl.h"
 #include "zelk/configuration/impl/Convert.h"
 #include "zelk/configuration/impl/EnumDefinitionImpl.h"
 #include "zelk/configuration/impl/Factory.h"
@@ -132,6 +133,15 @@ SourcePosition ConfigurationRegistryLoaderImpl::placeOf(const char* attribute) c
   if (mElement != nullptr) position.element = mElement;
   if (attribute != nullptr) position.attribute = attribute;
   return position;
+}
+
+void ConfigurationRegistryLoaderImpl::keepDefaultPosition(const void* item,
+                                                          std::size_t start) const {
+  ConfigurationManagerImpl* manager = mManager->getImpl();
+  if (!manager->getKeepPositions()) return;
+  SourcePosition position = placeOf("default");
+  mReader.lineAndColumn(start, position.line, position.column);
+  manager->keepDefaultPosition(item, position);
 }
 
 void ConfigurationRegistryLoaderImpl::throwAt(const char* attribute,
@@ -254,9 +264,12 @@ bool ConfigurationRegistryLoaderImpl::readAttributes(Attribute* attributes, std:
       return true;
     }
     bool matched = false;
+    // The tests above skipped the white space before the name.
+    const std::size_t start = mReader.getOffset();
     for (std::size_t i = 0; i < count && !matched; ++i) {
       if (mReader.acceptNameAndValue(attributes[i].name, mBuffer, sizeof mBuffer)) {
         attributes[i].value.assign(mBuffer);
+        attributes[i].start = start;
         matched = true;
       }
     }
@@ -453,6 +466,7 @@ bool ConfigurationRegistryLoaderImpl::readParameter() {
       e.setPosition(placeOf("default"));
       throw;
     }
+    keepDefaultPosition(parameter, attributes[DEFAULT].start);
   }
   mReader.leaveElement();
   return true;
@@ -690,6 +704,7 @@ bool ConfigurationRegistryLoaderImpl::readParameterRef(GroupItemCollection* coll
       Factory::destroy(reference);
       throw;
     }
+    keepDefaultPosition(reference, attributes[DEFAULT].start);
   }
   Factory::addItemToGroupItem(collection, reference);
   mReader.leaveElement();

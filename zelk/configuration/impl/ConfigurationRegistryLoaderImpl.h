@@ -66,6 +66,7 @@ private:
     const char* name;
     bool required;
     std::string value;
+    std::size_t start = 0;  // the byte offset of its name, when given
   };
 
   void readDocument();
@@ -75,6 +76,9 @@ private:
   bool readElementAt(const char* element, std::size_t start, Read&& read);
   // The position of the element being read, with attribute (may be null).
   SourcePosition placeOf(const char* attribute) const;
+  // When the manager keeps positions: tells it that item's "default" attribute stands at byte
+  // offset start of the element being read.
+  void keepDefaultPosition(const void* item, std::size_t start) const;
   // Throws error placed at the element being read and its attribute.
   [[noreturn]] void throwAt(const char* attribute, ConfigurationException error) const;
   bool readRoot();

@@ -16,8 +16,8 @@ const size_t MAX_TEXT_LENGTH = XmlFileLoader::BUFFER_SIZE - 1;
 
 }  // namespace
 
-XmlFileLoader::XmlFileLoader(zelk::host::XmlTokenReader& reader)
-    : mReader(reader), mName(PROBE_SIZE), mText(PROBE_SIZE) {}
+XmlFileLoader::XmlFileLoader(zelk::host::XmlTokenReader& reader, bool placeAttributes)
+    : mReader(reader), mPlaceAttributes(placeAttributes), mName(PROBE_SIZE), mText(PROBE_SIZE) {}
 
 ValueGroup XmlFileLoader::loadDocument() {
   XmlValueDocument document;
@@ -58,6 +58,9 @@ bool XmlFileLoader::loadElement(XmlValueDocument& out) {
     if (!readName(mName.data(), "an attribute name, \">\" or \"/>\"")) {
       return false;
     }
+    // Where the name starts: it was just read, and a name holds no line end.
+    const std::size_t nameStart =
+        mPlaceAttributes ? mReader.getOffset() - std::strlen(mName.data()) : 0;
     if (!mReader.acceptToken("=")) {
       return fail("=");
     }
@@ -65,6 +68,12 @@ bool XmlFileLoader::loadElement(XmlValueDocument& out) {
       return false;
     }
     out.addAttribute(mName.data(), mText.data());
+    if (mPlaceAttributes) {
+      unsigned int line = 0;
+      unsigned int column = 0;
+      mReader.lineAndColumn(nameStart, line, column);
+      out.placeAttribute(line, column);
+    }
   }
   if (!mReader.acceptToken("/>")) {
     mReader.acceptToken(">");

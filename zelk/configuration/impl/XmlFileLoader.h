@@ -31,7 +31,9 @@ public:
   // text. Longer ones are refused rather than silently cut.
   static const size_t BUFFER_SIZE = 1025;
 
-  explicit XmlFileLoader(zelk::host::XmlTokenReader& reader);
+  // With placeAttributes, the document records the line and column of each attribute
+  // (XmlValueDocument::placeAttribute), which costs a pass over the text.
+  explicit XmlFileLoader(zelk::host::XmlTokenReader& reader, bool placeAttributes = false);
 
   // The whole document as a group: its one root element with nothing but comments after it, or
   // ValueGroup::Null after an error (see getMessage()).
@@ -63,6 +65,7 @@ private:
   void placeError();
 
   zelk::host::XmlTokenReader& mReader;
+  bool mPlaceAttributes;
   std::string mMessage;
   SourcePosition mPosition;
   // Reading buffers, a little larger than BUFFER_SIZE so that an overlong text is noticed.

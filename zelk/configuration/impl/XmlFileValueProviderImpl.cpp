@@ -10,6 +10,7 @@
 #include "zelk/configuration/impl/FileOpener.h"
 #include "zelk/configuration/impl/SpecificationMatcher.h"
 #include "zelk/configuration/impl/SpecificationValuesFinder.h"
+#include "zelk/configuration/impl/ValueItemState.h"
 #include "zelk/configuration/impl/XmlFileLoader.h"
 #include "zelk/configuration/impl/XmlValueTreeBuilder.h"
 #include "zelk/host/XmlTokenReader.h"
@@ -55,13 +56,14 @@ ValueGroup findSpecificationGroup(const ValueGroup& group, const Container* top,
 XmlFileValueProviderImpl::XmlFileValueProviderImpl(int priority, const std::string&)
     : ValueProviderImpl(ConfigurationManager::XML_FILE_PROVIDER_NAME, priority,
                         ConfigurationManager::XML_FILE_PROVIDER_NAME),
-      mFixed(false) {
+      mFixed(false),
+      mBuiltFor(0) {
   mDocument.startElement(ConfigurationManager::XML_FILE_PROVIDER_NAME);
   mDocument.endElement();
 }
 
 XmlFileValueProviderImpl::XmlFileValueProviderImpl(const char* kind, int priority)
-    : ValueProviderImpl(kind, priority, kind), mFixed(false) {
+    : ValueProviderImpl(kind, priority, kind), mFixed(false), mBuiltFor(0) {
   mDocument.startElement(kind);
   mDocument.endElement();
 }
@@ -113,7 +115,8 @@ XmlFileValueProviderImpl::findTopElements(const char* name) const {
 }
 
 void XmlFileValueProviderImpl::load(zelk::host::XmlTokenReader& reader) {
-  XmlFileLoader loader(reader);
+  const ConfigurationManager* manager = getManager();
+  XmlFileLoader loader(reader, manager != 0 && manager->getKeepPositions());
   XmlValueDocument loaded;
   if (!loader.loadDocument(loaded)) {
     // The message quotes the file's content, so it is added as a text without arguments.
@@ -125,6 +128,8 @@ void XmlFileValueProviderImpl::load(zelk::host::XmlTokenReader& reader) {
   mDocument.swap(loaded);
   mValues = ValueGroup::Null;
   mFixed = false;
+  mBuiltFor = 0;
+  mDocumentName = reader.getDocumentName();
 }
 
 void XmlFileValueProviderImpl::setArguments(int argc, const char* const* argv, const char*,
@@ -140,7 +145,10 @@ ValueGroup XmlFileValueProviderImpl::getSpecificationValues(const Specification&
     // Rewritten once, for the first specification asked; later ones see this tree (on purpose).
     mValues = XmlValueTreeBuilder::build(mDocument, &spec);
     mFixed = true;
-    mDocument.clear();
+    mBuiltFor = &spec;
+    if (!mDocument.hasPlaces()) {
+      mDocument.clear();
+    }
   }
   if (mValues.isNull()) {
     return ValueGroup(&spec);
@@ -160,6 +168,74 @@ ValueGroup XmlFileValueProviderImpl::getSpecificationValues(const Specification&
   errors.throwIfErrors();
   ValueGroup found = SpecificationValuesFinder::find(copy, &items);
   return found.isNull() ? ValueGroup(&spec) : found;
+}
+
+namespace {
+
+// Pairs the values of answer with those of part, of which answer is a matched copy (same items in
+// the same order), putting the positions of part's entries on answer's values.
+void placeCopies(const ValueGroup& part, const ValueGroup& answer,
+                 const std::map<uint32_t, std::vector<SourcePosition>>& built,
+                 std::map<uint32_t, std::vector<SourcePosition>>& placed) {
+  const size_t count = part.getItemCount();
+  if (answer.getItemCount() != count) {
+    return;
+  }
+  for (size_t i = 0; i < count; ++i) {
+    const boost::shared_ptr<ValueGroupItem> from = part.getItem(i);
+    const boost::shared_ptr<ValueGroupItem> to = answer.getItem(i);
+    if (from->isValueGroup() != to->isValueGroup() ||
+        !ValueItemState::namesEqual(from->getName(), to->getName())) {
+      continue;
+    }
+    if (from->isValueGroup()) {
+      placeCopies(*boost::static_pointer_cast<ValueGroup>(from),
+                  *boost::static_pointer_cast<ValueGroup>(to), built, placed);
+      continue;
+    }
+    const auto found = built.find(from->getInstanceId());
+    if (found != built.end()) {
+      placed[to->getInstanceId()] = found->second;
+    }
+  }
+}
+
+}  // namespace
+
+std::map<uint32_t, std::vector<SourcePosition>> XmlFileValueProviderImpl::placeEntries(
+    const Specification& spec, const ValueGroup& answer) const {
+  std::map<uint32_t, std::vector<SourcePosition>> placed;
+  if (!mDocument.hasPlaces() || mBuiltFor == 0 || answer.isNull()) {
+    return placed;
+  }
+  // The tree is built again from the document, the same way, noting where each entry came from;
+  // answer was copied from the same part of the first build.
+  XmlValueTreeBuilder::Sources sources;
+  const ValueGroup tree = XmlValueTreeBuilder::build(mDocument, mBuiltFor, sources);
+  std::map<uint32_t, std::vector<SourcePosition>> built;
+  for (const auto& value : sources) {
+    std::vector<SourcePosition>& positions = built[value.first];
+    for (const std::pair<size_t, size_t>& entry : value.second) {
+      SourcePosition position;
+      position.file = mDocumentName;
+      const std::pair<unsigned int, unsigned int> place =
+          mDocument.getAttributePlace(entry.first, entry.second);
+      position.line = place.first;
+      position.column = place.second;
+      position.element = mDocument.getName(entry.first);
+      position.attribute = mDocument.getAttributeName(entry.first, entry.second);
+      positions.push_back(position);
+    }
+  }
+  if (tree.isNull()) {
+    return placed;
+  }
+  const Container& items = *spec.getItemsContainer();
+  const ValueGroup part = findSpecificationGroup(tree, &items, items);
+  if (!part.isNull()) {
+    placeCopies(part, answer, built, placed);
+  }
+  return placed;
 }
 
 }  // namespace zelk::configuration::impl

@@ -12,10 +12,13 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "zelk/configuration/SourcePosition.h"
 #include "zelk/configuration/ValueGroup.h"
 #include "zelk/configuration/impl/ValueProviderImpl.h"
 #include "zelk/configuration/impl/XmlValueDocument.h"
@@ -48,6 +51,13 @@ public:
 
   const char* getXmlFilePath() const { return mXmlFilePath.c_str(); }
 
+  // Where each entry of the values of answer, a tree that getValues gave for spec, was written in
+  // the file: by the value's instance id, the position of each entry in entry order (the attribute,
+  // or the "value" attribute of a parameter written as an element). Empty unless the manager kept
+  // positions when the file was loaded (ConfigurationManager::setKeepPositions).
+  std::map<uint32_t, std::vector<SourcePosition>> placeEntries(const Specification& spec,
+                                                               const ValueGroup& answer) const;
+
   // The largest file setArguments reads: the limit of the manager the provider is registered
   // with, else the reader's default (64 MiB).
   std::size_t getMaxFileSize() const;
@@ -68,13 +78,18 @@ private:
   // Loads the document the reader was opened on, replacing the one held.
   void load(zelk::host::XmlTokenReader& reader);
 
-  // The file as read, until the first request turns it into mValues; before the first load, a
-  // document of one empty element named "XML_FILE".
+  // The file as read, until the first request turns it into mValues (kept after it when it has
+  // the positions of its attributes); before the first load, a document of one empty element
+  // named "XML_FILE".
   mutable XmlValueDocument mDocument;
   // The tree rewritten for the first request.
   mutable ValueGroup mValues;
+  // The name of the document loaded, for positions.
+  std::string mDocumentName;
   // True once mValues was built from mDocument.
   mutable bool mFixed;
+  // The specification mValues was rewritten for.
+  mutable const Specification* mBuiltFor;
   std::string mXmlFilePath;
 };
 

@@ -24,6 +24,11 @@ void XmlValueDocument::addAttribute(const char* name, const char* text) {
   mAttributes.push_back(attribute);
 }
 
+void XmlValueDocument::placeAttribute(unsigned int line, unsigned int column) {
+  ZELK_CONTRACT(mPlaces.size() + 1 == mAttributes.size());
+  mPlaces.emplace_back(line, column);
+}
+
 void XmlValueDocument::endElement() {
   ZELK_CONTRACT(!mOpen.empty());
   mElements[mOpen.back()].end = mElements.size();
@@ -38,6 +43,7 @@ void XmlValueDocument::clear() {
 void XmlValueDocument::swap(XmlValueDocument& other) {
   mElements.swap(other.mElements);
   mAttributes.swap(other.mAttributes);
+  mPlaces.swap(other.mPlaces);
   mTexts.swap(other.mTexts);
   mNames.swap(other.mNames);
   mNameIds.swap(other.mNameIds);

@@ -16,6 +16,7 @@
 #include <cstddef>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace zelk::configuration::impl {
@@ -29,6 +30,9 @@ public:
   void startElement(const char* name);
   // Adds an attribute to the open element.
   void addAttribute(const char* name, const char* text);
+  // Records the 1-based line and column of the attribute added last. Optional: a document
+  // either places every attribute or none (see hasPlaces).
+  void placeAttribute(unsigned int line, unsigned int column);
   // Closes the open element.
   void endElement();
   // Drops every element.
@@ -47,6 +51,11 @@ public:
   size_t getAttributeCount(size_t element) const;
   const char* getAttributeName(size_t element, size_t attribute) const;
   const char* getAttributeText(size_t element, size_t attribute) const;
+  // Whether the attributes were placed, and where one stands (line and column).
+  bool hasPlaces() const { return !mPlaces.empty(); }
+  std::pair<unsigned int, unsigned int> getAttributePlace(size_t element, size_t attribute) const {
+    return mPlaces[mElements[element].firstAttribute + attribute];
+  }
 
 private:
   struct Element {
@@ -63,6 +72,8 @@ private:
 
   std::vector<Element> mElements;
   std::vector<Attribute> mAttributes;
+  // The line and column of each attribute, when they were recorded.
+  std::vector<std::pair<unsigned int, unsigned int>> mPlaces;
   // Attribute texts, each ended by a NUL.
   std::string mTexts;
   // Element and attribute names, each kept once.

@@ -5,6 +5,7 @@
 #include "zelk/configuration/GroupItem.h"
 #include "zelk/configuration/Specification.h"
 #include "zelk/configuration/Value.h"
+#include "zelk/configuration/ValueBase.h"
 #include "zelk/configuration/impl/ValueItemState.h"
 #include "zelk/configuration/impl/XmlValueDocument.h"
 
@@ -15,13 +16,35 @@ ValueGroup XmlValueTreeBuilder::build(const XmlValueDocument& document,
   if (document.isEmpty()) {
     return ValueGroup::Null;
   }
-  XmlValueTreeBuilder builder(document);
+  XmlValueTreeBuilder builder(document, 0);
   builder.addElement(0, spec != 0 ? spec->getItemsContainer() : 0, 0);
   return builder.mResult;
 }
 
-XmlValueTreeBuilder::XmlValueTreeBuilder(const XmlValueDocument& document)
-    : mDocument(document), mResult(ValueGroup::Null) {}
+ValueGroup XmlValueTreeBuilder::build(const XmlValueDocument& document, const Specification* spec,
+                                      Sources& sources) {
+  if (document.isEmpty()) {
+    return ValueGroup::Null;
+  }
+  XmlValueTreeBuilder builder(document, &sources);
+  builder.addElement(0, spec != 0 ? spec->getItemsContainer() : 0, 0);
+  return builder.mResult;
+}
+
+XmlValueTreeBuilder::XmlValueTreeBuilder(const XmlValueDocument& document, Sources* sources)
+    : mDocument(document), mResult(ValueGroup::Null), mSources(sources) {}
+
+void XmlValueTreeBuilder::addValue(ValueGroup& group, const char* name, size_t element,
+                                   size_t attribute) {
+  group.addValue(name, mDocument.getAttributeText(element, attribute));
+  if (mSources != 0) {
+    // The text joined the group's value of that name, new or not.
+    const boost::shared_ptr<ValueBase> value = group.findValueBase(name, 0);
+    if (value) {
+      (*mSources)[value->getInstanceId()].emplace_back(element, attribute);
+    }
+  }
+}
 
 const GroupItem* XmlValueTreeBuilder::resolve(const Container& container, const char* name) {
   if (ValueItemState::namesEqual(name, container.getId())) {
@@ -57,7 +80,7 @@ void XmlValueTreeBuilder::addElement(size_t element, const Container* container,
   // Values of one name are one value: a repeated attribute (in any letter case) adds a text.
   const size_t attributes = mDocument.getAttributeCount(element);
   for (size_t i = 0; i < attributes; ++i) {
-    group.addValue(mDocument.getAttributeName(element, i), mDocument.getAttributeText(element, i));
+    addValue(group, mDocument.getAttributeName(element, i), element, i);
   }
   const size_t end = mDocument.getEndOfChildren(element);
   for (size_t child = mDocument.getFirstChild(element); child < end;
@@ -80,7 +103,7 @@ void XmlValueTreeBuilder::rewrite(size_t element, ValueGroup* parent) {
     throw ConfigurationException("\"%s\" is not a valid parameter", name);
   }
   if (parent != 0) {
-    parent->addValue(name, mDocument.getAttributeText(element, found));
+    addValue(*parent, name, element, found);
   }
 }
 

@@ -14,6 +14,10 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <unordered_map>
+#include <utility>
+#include <vector>
 
 #include "zelk/configuration/ValueGroup.h"
 
@@ -34,8 +38,15 @@ public:
   // a valid parameter" for a parameter element without a "value" attribute.
   static ValueGroup build(const XmlValueDocument& document, const Specification* spec);
 
+  // Where each value's entries came from: by the value's instance id, the element and attribute
+  // index in the document of each entry, in entry order.
+  typedef std::unordered_map<uint32_t, std::vector<std::pair<size_t, size_t>>> Sources;
+  // The same, also telling in sources where each entry of the tree came from.
+  static ValueGroup build(const XmlValueDocument& document, const Specification* spec,
+                          Sources& sources);
+
 private:
-  explicit XmlValueTreeBuilder(const XmlValueDocument& document);
+  XmlValueTreeBuilder(const XmlValueDocument& document, Sources* sources);
 
   // Adds element (resolved against container, null for none) below parent, or makes it the
   // result when parent is null. Recursion is bounded by the reader's element depth.
@@ -45,9 +56,12 @@ private:
   static const GroupItem* resolve(const Container& container, const char* name);
   // Adds the parameter element as a value of parent.
   void rewrite(size_t element, ValueGroup* parent);
+  // Adds attribute of element as a value (or a text of the value of that name) of group.
+  void addValue(ValueGroup& group, const char* name, size_t element, size_t attribute);
 
   const XmlValueDocument& mDocument;
   ValueGroup mResult;
+  Sources* mSources;  // null when not asked for
 };
 
 }  // namespace zelk::configuration::impl
