@@ -78,6 +78,7 @@ void ConfigurationRegistryLoaderImpl::readDocument() {
   mElement = nullptr;
   mElementStart = 0;
   mErrorPosition = SourcePosition();
+  mKeepPositions = mManager->getImpl()->getKeepPositions();
   readRoot();
   if (mReader.hasError()) {
     // The text may quote the file; it is read as a format without arguments, never formatted.
@@ -137,11 +138,10 @@ SourcePosition ConfigurationRegistryLoaderImpl::placeOf(const char* attribute) c
 
 void ConfigurationRegistryLoaderImpl::keepDefaultPosition(const void* item,
                                                           std::size_t start) const {
-  ConfigurationManagerImpl* manager = mManager->getImpl();
-  if (!manager->getKeepPositions()) return;
+  if (!mKeepPositions) return;
   SourcePosition position = placeOf("default");
-  mReader.lineAndColumn(start, position.line, position.column);
-  manager->keepDefaultPosition(item, position);
+  if (start != 0) mReader.lineAndColumn(start, position.line, position.column);
+  mManager->getImpl()->keepDefaultPosition(item, position);
 }
 
 void ConfigurationRegistryLoaderImpl::throwAt(const char* attribute,
@@ -259,6 +259,7 @@ bool ConfigurationRegistryLoaderImpl::expectToken(const char* token) {
 }
 
 bool ConfigurationRegistryLoaderImpl::readAttributes(Attribute* attributes, std::size_t count) {
+  if (mKeepPositions) std::fill(mAttributeStarts, mAttributeStarts + MAX_ATTRIBUTES, 0);
   for (;;) {
     if (mReader.atToken(">") || mReader.atToken("/>")) {
       return true;
@@ -269,7 +270,7 @@ bool ConfigurationRegistryLoaderImpl::readAttributes(Attribute* attributes, std:
     for (std::size_t i = 0; i < count && !matched; ++i) {
       if (mReader.acceptNameAndValue(attributes[i].name, mBuffer, sizeof mBuffer)) {
         attributes[i].value.assign(mBuffer);
-        attributes[i].start = start;
+        if (mKeepPositions && i < MAX_ATTRIBUTES) mAttributeStarts[i] = start;
         matched = true;
       }
     }
@@ -466,7 +467,7 @@ bool ConfigurationRegistryLoaderImpl::readParameter() {
       e.setPosition(placeOf("default"));
       throw;
     }
-    keepDefaultPosition(parameter, attributes[DEFAULT].start);
+    keepDefaultPosition(parameter, mAttributeStarts[DEFAULT]);
   }
   mReader.leaveElement();
   return true;
@@ -704,7 +705,7 @@ bool ConfigurationRegistryLoaderImpl::readParameterRef(GroupItemCollection* coll
       Factory::destroy(reference);
       throw;
     }
-    keepDefaultPosition(reference, attributes[DEFAULT].start);
+    keepDefaultPosition(reference, mAttributeStarts[DEFAULT]);
   }
   Factory::addItemToGroupItem(collection, reference);
   mReader.leaveElement();

@@ -20,6 +20,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 #include "zelk/configuration/ConfigurationException.h"
@@ -66,8 +67,9 @@ private:
     const char* name;
     bool required;
     std::string value;
-    std::size_t start = 0;  // the byte offset of its name, when given
   };
+  // The most attributes an element accepts.
+  static const std::size_t MAX_ATTRIBUTES = 8;
 
   void readDocument();
   // Reads one element with read, whose opening "<name" was taken at byte offset start: any error
@@ -77,7 +79,7 @@ private:
   // The position of the element being read, with attribute (may be null).
   SourcePosition placeOf(const char* attribute) const;
   // When the manager keeps positions: tells it that item's "default" attribute stands at byte
-  // offset start of the element being read.
+  // offset start (0: at the element being read).
   void keepDefaultPosition(const void* item, std::size_t start) const;
   // Throws error placed at the element being read and its attribute.
   [[noreturn]] void throwAt(const char* attribute, ConfigurationException error) const;
@@ -129,6 +131,11 @@ private:
   // The group whose items are being read: it is not visible to its own GroupRef elements.
   const Group* mCurrentGroup = nullptr;
   std::size_t mCopiedItems = 0;
+  // Whether the manager keeps positions, read when a document starts.
+  bool mKeepPositions = false;
+  // While positions are kept: the byte offset of each attribute that readAttributes read last,
+  // by its index in the element's table (0 when not given).
+  std::size_t mAttributeStarts[MAX_ATTRIBUTES] = {};
   // The element being read: its name and the byte offset of its "<".
   const char* mElement = nullptr;
   std::size_t mElementStart = 0;

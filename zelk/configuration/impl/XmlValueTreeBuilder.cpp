@@ -34,15 +34,12 @@ ValueGroup XmlValueTreeBuilder::build(const XmlValueDocument& document, const Sp
 XmlValueTreeBuilder::XmlValueTreeBuilder(const XmlValueDocument& document, Sources* sources)
     : mDocument(document), mResult(ValueGroup::Null), mSources(sources) {}
 
-void XmlValueTreeBuilder::addValue(ValueGroup& group, const char* name, size_t element,
-                                   size_t attribute) {
-  group.addValue(name, mDocument.getAttributeText(element, attribute));
-  if (mSources != 0) {
-    // The text joined the group's value of that name, new or not.
-    const boost::shared_ptr<ValueBase> value = group.findValueBase(name, 0);
-    if (value) {
-      (*mSources)[value->getInstanceId()].emplace_back(element, attribute);
-    }
+void XmlValueTreeBuilder::noteSource(const ValueGroup& group, const char* name, size_t element,
+                                     size_t attribute) {
+  // The text joined the group's value of that name, new or not.
+  const boost::shared_ptr<ValueBase> value = group.findValueBase(name, 0);
+  if (value) {
+    (*mSources)[value->getInstanceId()].emplace_back(element, attribute);
   }
 }
 
@@ -80,7 +77,11 @@ void XmlValueTreeBuilder::addElement(size_t element, const Container* container,
   // Values of one name are one value: a repeated attribute (in any letter case) adds a text.
   const size_t attributes = mDocument.getAttributeCount(element);
   for (size_t i = 0; i < attributes; ++i) {
-    addValue(group, mDocument.getAttributeName(element, i), element, i);
+    const char* attribute = mDocument.getAttributeName(element, i);
+    group.addValue(attribute, mDocument.getAttributeText(element, i));
+    if (mSources != 0) {
+      noteSource(group, attribute, element, i);
+    }
   }
   const size_t end = mDocument.getEndOfChildren(element);
   for (size_t child = mDocument.getFirstChild(element); child < end;
@@ -103,7 +104,10 @@ void XmlValueTreeBuilder::rewrite(size_t element, ValueGroup* parent) {
     throw ConfigurationException("\"%s\" is not a valid parameter", name);
   }
   if (parent != 0) {
-    addValue(*parent, name, element, found);
+    parent->addValue(name, mDocument.getAttributeText(element, found));
+    if (mSources != 0) {
+      noteSource(*parent, name, element, found);
+    }
   }
 }
 

@@ -56,8 +56,9 @@ private:
   static const GroupItem* resolve(const Container& container, const char* name);
   // Adds the parameter element as a value of parent.
   void rewrite(size_t element, ValueGroup* parent);
-  // Adds attribute of element as a value (or a text of the value of that name) of group.
-  void addValue(ValueGroup& group, const char* name, size_t element, size_t attribute);
+  // Notes in mSources that the text just added to the value named name of group came from
+  // attribute of element.
+  void noteSource(const ValueGroup& group, const char* name, size_t element, size_t attribute);
 
   const XmlValueDocument& mDocument;
   ValueGroup mResult;
