@@ -124,9 +124,17 @@ zelk_output_test(zelk-config.values-missing 1
 zelk_output_test(zelk-config.values-validator 1
   COMMAND ${zc} -values -spec zbackup ${example} -- -database a -destination ::c
   MATCH "zelk-config: destination: \"::c\" is rejected by the \"storageLocation\" validator: Value is not properly formatted")
+# Problems of a value file are placed where they stand in it, machine.config's too.
 zelk_output_test(zelk-config.values-bad-number-in-file 1
   COMMAND ${zc} -values -spec zbackup ${example} -valueFile ${ZELK_TOOL_DATA}/bad-retries.xml
-  MATCH "zelk-config: retries: \"many\" is not a valid UInt32")
+  MATCH "^zelk-config: @SOURCE_DIR@/tests/tools/zelk-config/data/bad-retries.xml:3:59: retries: \"many\" is not a valid UInt32\n$")
+zelk_output_test(zelk-config.values-unknown-in-file 1
+  COMMAND ${zc} -values -spec zbackup ${example} -valueFile ${ZELK_TOOL_DATA}/unknown-attribute.xml
+  MATCH "^zelk-config: @SOURCE_DIR@/tests/tools/zelk-config/data/unknown-attribute.xml:2:59: \"colour\" is not a recognized parameter\n$")
+zelk_output_test(zelk-config.values-twice-in-machine-file 1
+  COMMAND ${zc} -values -spec zbackup ${example} -configDir ${ZELK_TOOL_DATA}/machine-file
+          -- -database a -destination b::c
+  MATCH "^zelk-config: @SOURCE_DIR@/tests/tools/zelk-config/data/machine-file/machine.config:4:28: The \"logLevel\" parameter cannot be provided more than once\n$")
 zelk_output_test(zelk-config.values-malformed-file 1
   COMMAND ${zc} -values -spec zbackup ${example} -valueFile ${ZELK_TOOL_DATA}/malformed.xml
   MATCH "zelk-config: .*line 4, column 1")

@@ -14,6 +14,8 @@
 #include "zelk/configuration/Container.h"
 #include "zelk/configuration/ParameterRef.h"
 #include "zelk/configuration/Specification.h"
+#include "zelk/configuration/ValidationErrors.h"
+#include "zelk/configuration/ValidationException.h"
 #include "zelk/configuration/ValueBase.h"
 #include "zelk/configuration/ValueGroup.h"
 #include "zelk/configuration/ValueProvider.h"
@@ -162,6 +164,43 @@ TEST_F(KeptPositionsTest, NothingIsKeptUnlessAskedFor) {
   auto* words = dynamic_cast<impl::CommandLineValueProvider*>(provider("CLI"));
   EXPECT_TRUE(words->getCommandLineImpl()->placeEntries(words->getValues(*mSpec, 0x14)).empty());
   EXPECT_EQ(defaultAt("level"), "0:0");
+}
+
+// An unknown item and an item given twice are placed where a value file wrote them (the second
+// of two), only while positions are kept.
+TEST_F(KeptPositionsTest, ValueFileErrorsArePlacedAtTheirItems) {
+  const struct {
+    const char* text;
+    const char* error;
+    unsigned int line, column;
+  } cases[] = {
+      {"<tool>\n  <db port=\"1\" colour=\"red\"/>\n</tool>\n",
+       "\"colour\" is not a recognized parameter", 2, 16},
+      {"<tool>\n  <nowhere/>\n</tool>\n", "\"nowhere\" is not a recognized container", 2, 3},
+      {"<tool level=\"1\"\n      LEVEL=\"2\"/>\n",
+       "The \"level\" parameter cannot be provided more than once", 2, 7},
+      {"<tool><db port=\"1\"/>\n<db port=\"2\"/></tool>\n",
+       "The \"db\" container cannot be provided more than once", 2, 1},
+  };
+  for (const auto& c : cases) {
+    mValues = mInstallation.writeConfigFile("values.xml", c.text);
+    for (bool keep : {true, false}) {
+      enable(keep);
+      try {
+        provider("XML_FILE")->getValues(*mSpec, 0x14);
+        ADD_FAILURE() << c.text;
+      } catch (const ValidationException& e) {
+        ASSERT_EQ(e.getErrors().getNumberOfErrors(), 1u) << c.text;
+        EXPECT_STREQ(e.getErrors().getError(0), c.error);
+        const SourcePosition& where = e.getErrors().getPosition(0);
+        EXPECT_EQ(where.line, keep ? c.line : 0u) << c.text;
+        EXPECT_EQ(where.column, keep ? c.column : 0u) << c.text;
+        if (keep) {
+          EXPECT_EQ(where.file, mValues);
+        }
+      }
+    }
+  }
 }
 
 }  // namespace

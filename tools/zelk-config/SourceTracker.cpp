@@ -137,6 +137,18 @@ std::vector<Contribution> SourceTracker::contributionsOf(const ValueBase& replay
   return story;
 }
 
+EntryPlace SourceTracker::placeOf(const ValueBase& replayed, std::size_t entry) const {
+  const auto found = mContributions.find(replayed.getInstanceId());
+  if (found == mContributions.end()) return EntryPlace();
+  // The value's entries are those of the parts in force, in order.
+  for (const Contribution& contribution : found->second) {
+    if (contribution.overridden) continue;
+    if (entry < contribution.places.size()) return contribution.places[entry];
+    entry -= contribution.places.size();
+  }
+  return EntryPlace();
+}
+
 std::vector<Contribution> SourceTracker::defaultOf(const ParameterRef& reference) const {
   // Members of a one-of have no default that a tool reads.
   if (reference.getOneOf() != nullptr) return {};

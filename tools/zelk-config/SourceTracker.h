@@ -77,6 +77,9 @@ public:
   // After an explaining replay: every source's part in a value of the replayed tree, in order of
   // precedence, then the default it overrode; empty when the value is not known.
   std::vector<Contribution> contributionsOf(const configuration::ValueBase& replayed) const;
+  // After an explaining replay: where entry (0 the first) of a value of the replayed tree was
+  // written, among the parts in force; nothing known when it is not.
+  EntryPlace placeOf(const configuration::ValueBase& replayed, std::size_t entry) const;
   // The default of reference, where the registry gives it, as the one contribution of a value
   // that no source gave (overridden false); nothing when it has none.
   std::vector<Contribution> defaultOf(const configuration::ParameterRef& reference) const;

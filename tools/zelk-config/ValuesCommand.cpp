@@ -37,6 +37,7 @@
 #include "zelk/configuration/ParameterRef.h"
 #include "zelk/configuration/Specification.h"
 #include "zelk/configuration/ValidationErrors.h"
+#include "zelk/configuration/ValidationException.h"
 #include "zelk/configuration/Validator.h"
 #include "zelk/configuration/Value.h"
 #include "zelk/configuration/ValueBase.h"
@@ -57,20 +58,69 @@ namespace {
 
 const char* const LOAD_CONFIGURATION_SWITCH = "-loadConfiguration";
 
+// The items of one group by name (ignoring case), read once, so that printing a group of many
+// values takes one pass over it.
+struct GroupIndex {
+  std::unordered_map<std::string, boost::shared_ptr<ValueBase>> values;  // the first of a name
+  std::unordered_map<std::string, std::vector<ValueGroup>> groups;       // in order
+
+  static std::string key(const char* name) {
+    std::string lower(name != nullptr ? name : "");
+    for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return lower;
+  }
+
+  explicit GroupIndex(const ValueGroup& group) {
+    if (group.isNull()) return;
+    for (std::size_t i = 0; i < group.getItemCount(); ++i) {
+      const boost::shared_ptr<ValueGroupItem> item = group.getItem(i);
+      if (item->isValueGroup()) {
+        groups[key(item->getName())].push_back(*boost::static_pointer_cast<ValueGroup>(item));
+      } else if (auto value = boost::dynamic_pointer_cast<ValueBase>(item)) {
+        values.emplace(key(item->getName()), value);
+      }
+    }
+  }
+
+  boost::shared_ptr<ValueBase> findValue(const char* name) const {
+    const auto found = values.find(key(name));
+    return found != values.end() ? found->second : boost::shared_ptr<ValueBase>();
+  }
+};
+
+// "file:line:column: " where a value file holds the text, else nothing.
+std::string placePrefix(const EntryPlace& place) {
+  if (place.line == 0) return std::string();
+  return place.file + ':' + std::to_string(place.line) + ':' + std::to_string(place.column) + ": ";
+}
+
 // The problems a tool would meet reading the values: texts that do not convert to the
-// parameter's type, and texts that the parameter's validator rejects.
-void checkEntries(const ValueGroup& group, std::vector<std::string>& problems) {
+// parameter's type, and texts that the parameter's validator rejects. replayed is the same group
+// in the source tracker's tree, which places a text read from a value file.
+void checkEntries(const ValueGroup& group, const ValueGroup& replayed, const SourceTracker& sources,
+                  std::vector<std::string>& problems) {
+  const GroupIndex twins(replayed);
+  std::unordered_map<std::string, std::size_t> instances;  // groups of each name seen so far
   for (std::size_t i = 0; i < group.getItemCount(); ++i) {
     const boost::shared_ptr<ValueGroupItem> item = group.getItem(i);
     if (item->isValueGroup()) {
-      checkEntries(*boost::static_pointer_cast<ValueGroup>(item), problems);
+      const auto twin = twins.groups.find(GroupIndex::key(item->getName()));
+      const std::size_t instance = instances[GroupIndex::key(item->getName())]++;
+      checkEntries(*boost::static_pointer_cast<ValueGroup>(item),
+                   twin != twins.groups.end() && instance < twin->second.size()
+                       ? twin->second[instance]
+                       : ValueGroup(),
+                   sources, problems);
       continue;
     }
     const auto* value = dynamic_cast<const ValueBase*>(item.get());
     if (value == nullptr || value->getParameter() == nullptr) continue;
     const Parameter& parameter = *value->getParameter();
-    const std::string name = value->getName();
-    for (ValueIterator entry = value->getIterator(); entry.next();) {
+    const boost::shared_ptr<ValueBase> twin = twins.findValue(value->getName());
+    std::size_t index = 0;
+    for (ValueIterator entry = value->getIterator(); entry.next(); ++index) {
+      const std::string name =
+          (twin ? placePrefix(sources.placeOf(*twin, index)) : std::string()) + value->getName();
       try {
         // A bool's text is converted by asString itself; the others are checked as their type.
         const std::string text = entry.asString();
@@ -102,36 +152,6 @@ void checkEntries(const ValueGroup& group, std::vector<std::string>& problems) {
     }
   }
 }
-
-// The items of one group by name (ignoring case), read once, so that printing a group of many
-// values takes one pass over it.
-struct GroupIndex {
-  std::unordered_map<std::string, boost::shared_ptr<ValueBase>> values;  // the first of a name
-  std::unordered_map<std::string, std::vector<ValueGroup>> groups;       // in order
-
-  static std::string key(const char* name) {
-    std::string lower(name != nullptr ? name : "");
-    for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return lower;
-  }
-
-  explicit GroupIndex(const ValueGroup& group) {
-    if (group.isNull()) return;
-    for (std::size_t i = 0; i < group.getItemCount(); ++i) {
-      const boost::shared_ptr<ValueGroupItem> item = group.getItem(i);
-      if (item->isValueGroup()) {
-        groups[key(item->getName())].push_back(*boost::static_pointer_cast<ValueGroup>(item));
-      } else if (auto value = boost::dynamic_pointer_cast<ValueBase>(item)) {
-        values.emplace(key(item->getName()), value);
-      }
-    }
-  }
-
-  boost::shared_ptr<ValueBase> findValue(const char* name) const {
-    const auto found = values.find(key(name));
-    return found != values.end() ? found->second : boost::shared_ptr<ValueBase>();
-  }
-};
 
 // Walks a group in the order of its container's items, values with their sources, defaults for
 // what no source gave, nested groups in place.
@@ -289,8 +309,9 @@ const Specification* enableAsTheTool(ConfigurationManager& manager, const Option
 
   const Specification* specification = nullptr;
   try {
-    // Where values and defaults were written is kept from the reload that enabling makes.
-    manager.setKeepPositions(options.explain);
+    // Where values and defaults were written is kept from the reload that enabling makes: the
+    // problems of value files are placed, and -explain shows every place.
+    manager.setKeepPositions(true);
     // The specification is looked up after enabling: enabling reloads every registry.
     manager.enableConfiguration(!options.noMachineConfig,
                                 options.applicationFile ? options.applicationFile->c_str() : nullptr,
@@ -307,8 +328,28 @@ const Specification* enableAsTheTool(ConfigurationManager& manager, const Option
   return specification;
 }
 
+// Prints the problems of e, each error that a value file placed (an unknown parameter or
+// container, one given twice) with its file, line and column first.
+void printPlacedException(const std::exception& e) {
+  const auto* validation = dynamic_cast<const ValidationException*>(&e);
+  if (validation == nullptr || validation->getErrors().getNumberOfErrors() == 0) {
+    printException(e);
+    return;
+  }
+  const ValidationErrors& errors = validation->getErrors();
+  for (std::size_t i = 0; i < errors.getNumberOfErrors(); ++i) {
+    const SourcePosition& where = errors.getPosition(i);
+    EntryPlace place;
+    place.file = where.file;
+    place.line = where.line;
+    place.column = where.column;
+    printError(placePrefix(place) + errors.getError(i));
+  }
+}
+
 // The merged values, or a null group with every problem reported.
-ValueGroup readValues(ConfigurationManager& manager, const Options& options) {
+ValueGroup readValues(ConfigurationManager& manager, const Options& options,
+                      const SourceTracker& sources) {
   ValueGroup values;
   try {
     values = manager.getValueGroup(options.specification.c_str(), false, 0);
@@ -320,11 +361,11 @@ ValueGroup readValues(ConfigurationManager& manager, const Options& options) {
                              nullptr);
     }
   } catch (const std::exception& e) {
-    printException(e);
+    printPlacedException(e);
     return ValueGroup();
   }
   std::vector<std::string> problems;
-  checkEntries(values, problems);
+  checkEntries(values, sources.getReplay(), sources, problems);
   for (const std::string& problem : problems) printError(problem);
   return problems.empty() ? values : ValueGroup();
 }
@@ -369,7 +410,7 @@ int runValues(const CommandContext& context) {
   for (const std::string& note : pluginSkipNotes()) printError("note: " + note);
 
   SourceTracker sources;
-  sources.replay(*manager, *specification, options.explain ? firstToolWord(options) : -1);
+  sources.replay(*manager, *specification, firstToolWord(options));
   for (const std::string& file : sources.getSilentFiles()) {
     if (!namedByUser(options, file)) continue;
     const std::string root = rootElementOf(file);
@@ -377,7 +418,7 @@ int runValues(const CommandContext& context) {
                options.specification + "\"" +
                (root.empty() ? std::string() : ": its root element is <" + root + ">"));
   }
-  const ValueGroup values = readValues(*manager, options);
+  const ValueGroup values = readValues(*manager, options, sources);
   if (values.isNull()) return EXIT_PROBLEMS;
 
   if (options.exportFile) {

@@ -8,17 +8,19 @@
 #pragma once
 
 #include "zelk/configuration/impl/ContainerValuesVisitor.h"
+#include "zelk/configuration/impl/ItemPlacer.h"
 
 namespace zelk::configuration::impl {
 
 class BoundedGroupItemValidator : public ContainerValuesVisitor {
 public:
-  // Adds the problems of values against specification to errors.
+  // Adds the problems of values against specification to errors; with place, each is placed at
+  // the second text of the value, or the second group of the container.
   static void validate(const Specification& specification, const ValueGroup& values,
-                       ValidationErrors& errors);
+                       ValidationErrors& errors, const ItemPlacer* place = nullptr);
 
   BoundedGroupItemValidator(const Specification& specification, const ValueGroup& values,
-                            ValidationErrors& errors);
+                            ValidationErrors& errors, const ItemPlacer* place = nullptr);
   ~BoundedGroupItemValidator() override;
 
   bool visitContainerStart(const Container& container) override;
@@ -27,6 +29,8 @@ public:
 private:
   // False, with an error, when group is one of several groups of a container that is bounded.
   bool checkContainer(const Container& container, const ValueGroup& group);
+
+  const ItemPlacer* mPlace;
 };
 
 }  // namespace zelk::configuration::impl

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "zelk/configuration/ValueGroupItemVisitor.h"
+#include "zelk/configuration/impl/ItemPlacer.h"
 
 namespace zelk::configuration {
 class ValidationErrors;
@@ -18,9 +19,11 @@ namespace zelk::configuration::impl {
 class UnmatchedItemValidator : public ValueGroupItemVisitor {
 public:
   // Adds one error per unbound item of the tree below item (item included) to errors.
-  static void validate(const ValueGroupItem& item, ValidationErrors& errors);
+  // With place, each error is placed at its item.
+  static void validate(const ValueGroupItem& item, ValidationErrors& errors,
+                       const ItemPlacer* place = nullptr);
 
-  explicit UnmatchedItemValidator(ValidationErrors& errors);
+  explicit UnmatchedItemValidator(ValidationErrors& errors, const ItemPlacer* place = nullptr);
   ~UnmatchedItemValidator() override;
 
   bool visitValueBase(ValueBase& value) override;
@@ -28,7 +31,10 @@ public:
   bool visitValueGroupStart(ValueGroup& group) override;
 
 private:
+  void placeLast(const ValueGroupItem& item);
+
   ValidationErrors& mErrors;
+  const ItemPlacer* mPlace;
 };
 
 }  // namespace zelk::configuration::impl

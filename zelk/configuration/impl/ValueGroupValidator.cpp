@@ -10,9 +10,9 @@
 namespace zelk::configuration::impl {
 
 void ValueGroupValidator::validate(const Specification& specification, const ValueGroup& values,
-                                   ValidationErrors& errors, int options) {
+                                   ValidationErrors& errors, int options, const ItemPlacer* place) {
   if ((options & SKIP_UNMATCHED) == 0) {
-    UnmatchedItemValidator::validate(values, errors);
+    UnmatchedItemValidator::validate(values, errors, place);
   }
   if (errors.getNumberOfErrors() > 0) {
     return;
@@ -24,7 +24,7 @@ void ValueGroupValidator::validate(const Specification& specification, const Val
     return;
   }
   if ((options & SKIP_BOUNDED) == 0) {
-    BoundedGroupItemValidator::validate(specification, values, errors);
+    BoundedGroupItemValidator::validate(specification, values, errors, place);
   }
   if (errors.getNumberOfErrors() > 0) {
     return;

@@ -10,6 +10,8 @@
 //   errors.throwIfErrors();
 #pragma once
 
+#include "zelk/configuration/impl/ItemPlacer.h"
+
 namespace zelk::configuration {
 class Specification;
 class ValidationErrors;
@@ -31,8 +33,10 @@ public:
   ValueGroupValidator() = delete;
 
   // Adds the problems of values against specification to errors; throws nothing for bad input.
+  // With place, an unknown item and an item given more than once are placed where they were
+  // written (the second of them, for the latter).
   static void validate(const Specification& specification, const ValueGroup& values,
-                       ValidationErrors& errors, int options);
+                       ValidationErrors& errors, int options, const ItemPlacer* place = nullptr);
 };
 
 }  // namespace zelk::configuration::impl

@@ -31,8 +31,20 @@ ValueGroup ValueProviderImpl::getValues(const Specification& spec, int options) 
   // Matching errors are reported on their own, before any validation.
   errors.throwIfErrors();
   ValueGroupValidator::validate(spec, group, errors, options);
+  if (errors.getNumberOfErrors() > 0) {
+    // Found again with the places of the items, when the provider knows them.
+    const ItemPlacer place = makePlacer(spec, group);
+    if (place) {
+      errors.clear();
+      ValueGroupValidator::validate(spec, group, errors, options, &place);
+    }
+  }
   errors.throwIfErrors();
   return group;
+}
+
+ItemPlacer ValueProviderImpl::makePlacer(const Specification&, const ValueGroup&) const {
+  return ItemPlacer();
 }
 
 const char* ValueProviderImpl::composeHelpMessage(const Specification& spec, size_t screenWidth,

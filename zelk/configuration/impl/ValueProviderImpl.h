@@ -7,6 +7,7 @@
 #include <string>
 
 #include "zelk/configuration/ValueProvider.h"
+#include "zelk/configuration/impl/ItemPlacer.h"
 
 namespace zelk::configuration {
 class ConfigurationManager;
@@ -26,6 +27,9 @@ public:
   // getSpecificationValues, then matching (errors thrown as one ValidationException), then
   // structural validation with options (thrown the same way).
   virtual ValueGroup getValues(const Specification& spec, int options) const;
+  // Where the items of values (as getSpecificationValues gave them for spec) were written, so
+  // that getValues places the errors it finds in them; none by default. Asked only after errors.
+  virtual ItemPlacer makePlacer(const Specification& spec, const ValueGroup& values) const;
   // Contracts: screenWidth > 0 and maxParameterNameWidth < screenWidth. The text is kept until
   // the next call or reset().
   virtual const char* composeHelpMessage(const Specification& spec, size_t screenWidth,

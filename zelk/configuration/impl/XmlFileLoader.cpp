@@ -54,6 +54,13 @@ bool XmlFileLoader::loadElement(XmlValueDocument& out) {
   }
   const size_t element = out.getElementCount();
   out.startElement(mName.data());
+  if (mPlaceAttributes) {
+    // The "<" stands just before the name, which was just read and holds no line end.
+    unsigned int line = 0;
+    unsigned int column = 0;
+    mReader.lineAndColumn(mReader.getOffset() - std::strlen(mName.data()) - 1, line, column);
+    out.placeElement(line, column);
+  }
   while (!mReader.atToken("/>") && !mReader.atToken(">")) {
     if (!readName(mName.data(), "an attribute name, \">\" or \"/>\"")) {
       return false;

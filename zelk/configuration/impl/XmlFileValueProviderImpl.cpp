@@ -1,6 +1,7 @@
 #include "zelk/configuration/impl/XmlFileValueProviderImpl.h"
 
 #include <cstring>
+#include <memory>
 
 #include "zelk/configuration/ConfigurationException.h"
 #include "zelk/configuration/ConfigurationManager.h"
@@ -188,14 +189,13 @@ void placeCopies(const ValueGroup& part, const ValueGroup& answer,
         !ValueItemState::namesEqual(from->getName(), to->getName())) {
       continue;
     }
-    if (from->isValueGroup()) {
-      placeCopies(*boost::static_pointer_cast<ValueGroup>(from),
-                  *boost::static_pointer_cast<ValueGroup>(to), built, placed);
-      continue;
-    }
     const auto found = built.find(from->getInstanceId());
     if (found != built.end()) {
       placed[to->getInstanceId()] = found->second;
+    }
+    if (from->isValueGroup()) {
+      placeCopies(*boost::static_pointer_cast<ValueGroup>(from),
+                  *boost::static_pointer_cast<ValueGroup>(to), built, placed);
     }
   }
 }
@@ -218,12 +218,16 @@ std::map<uint32_t, std::vector<SourcePosition>> XmlFileValueProviderImpl::placeE
     for (const std::pair<size_t, size_t>& entry : value.second) {
       SourcePosition position;
       position.file = mDocumentName;
+      const bool isElement = entry.second == XmlValueTreeBuilder::NO_ATTRIBUTE;
       const std::pair<unsigned int, unsigned int> place =
-          mDocument.getAttributePlace(entry.first, entry.second);
+          isElement ? mDocument.getElementPlace(entry.first)
+                    : mDocument.getAttributePlace(entry.first, entry.second);
       position.line = place.first;
       position.column = place.second;
       position.element = mDocument.getName(entry.first);
-      position.attribute = mDocument.getAttributeName(entry.first, entry.second);
+      if (!isElement) {
+        position.attribute = mDocument.getAttributeName(entry.first, entry.second);
+      }
       positions.push_back(position);
     }
   }
@@ -233,9 +237,27 @@ std::map<uint32_t, std::vector<SourcePosition>> XmlFileValueProviderImpl::placeE
   const Container& items = *spec.getItemsContainer();
   const ValueGroup part = findSpecificationGroup(tree, &items, items);
   if (!part.isNull()) {
+    const auto found = built.find(part.getInstanceId());
+    if (found != built.end()) {
+      placed[answer.getInstanceId()] = found->second;
+    }
     placeCopies(part, answer, built, placed);
   }
   return placed;
+}
+
+ItemPlacer XmlFileValueProviderImpl::makePlacer(const Specification& spec,
+                                                const ValueGroup& values) const {
+  if (!mDocument.hasPlaces()) {
+    return ItemPlacer();
+  }
+  auto placed = std::make_shared<const std::map<uint32_t, std::vector<SourcePosition>>>(
+      placeEntries(spec, values));
+  return [placed](const ValueGroupItem& item, size_t entry) {
+    const auto found = placed->find(item.getInstanceId());
+    return found != placed->end() && entry < found->second.size() ? found->second[entry]
+                                                                  : SourcePosition();
+  };
 }
 
 }  // namespace zelk::configuration::impl

@@ -53,8 +53,9 @@ public:
 
   // Where each entry of the values of answer, a tree that getValues gave for spec, was written in
   // the file: by the value's instance id, the position of each entry in entry order (the attribute,
-  // or the "value" attribute of a parameter written as an element). Empty unless the manager kept
-  // positions when the file was loaded (ConfigurationManager::setKeepPositions).
+  // or the "value" attribute of a parameter written as an element); by a group's, its element.
+  // Empty unless the manager kept positions when the file was loaded
+  // (ConfigurationManager::setKeepPositions).
   std::map<uint32_t, std::vector<SourcePosition>> placeEntries(const Specification& spec,
                                                                const ValueGroup& answer) const;
 
@@ -68,6 +69,10 @@ public:
       const char* name) const;
 
 protected:
+  // Places the items of values, a tree that getSpecificationValues gave for spec, by
+  // placeEntries; none when positions were not kept.
+  ItemPlacer makePlacer(const Specification& spec, const ValueGroup& values) const override;
+
   // For kinds that read value documents from elsewhere: their own kind, which is also their id.
   XmlFileValueProviderImpl(const char* kind, int priority);
   // Loads a document given as text, named documentName in messages. Throws as setArguments does

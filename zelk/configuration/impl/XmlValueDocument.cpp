@@ -29,6 +29,11 @@ void XmlValueDocument::placeAttribute(unsigned int line, unsigned int column) {
   mPlaces.emplace_back(line, column);
 }
 
+void XmlValueDocument::placeElement(unsigned int line, unsigned int column) {
+  ZELK_CONTRACT(mElementPlaces.size() + 1 == mElements.size());
+  mElementPlaces.emplace_back(line, column);
+}
+
 void XmlValueDocument::endElement() {
   ZELK_CONTRACT(!mOpen.empty());
   mElements[mOpen.back()].end = mElements.size();
@@ -44,6 +49,7 @@ void XmlValueDocument::swap(XmlValueDocument& other) {
   mElements.swap(other.mElements);
   mAttributes.swap(other.mAttributes);
   mPlaces.swap(other.mPlaces);
+  mElementPlaces.swap(other.mElementPlaces);
   mTexts.swap(other.mTexts);
   mNames.swap(other.mNames);
   mNameIds.swap(other.mNameIds);

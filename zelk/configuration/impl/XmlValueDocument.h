@@ -30,9 +30,11 @@ public:
   void startElement(const char* name);
   // Adds an attribute to the open element.
   void addAttribute(const char* name, const char* text);
-  // Records the 1-based line and column of the attribute added last. Optional: a document
-  // either places every attribute or none (see hasPlaces).
+  // Record the 1-based line and column of the attribute added last, and of the element started
+  // last (its "<"). Optional: a document places every attribute and element or none (see
+  // hasPlaces).
   void placeAttribute(unsigned int line, unsigned int column);
+  void placeElement(unsigned int line, unsigned int column);
   // Closes the open element.
   void endElement();
   // Drops every element.
@@ -52,9 +54,12 @@ public:
   const char* getAttributeName(size_t element, size_t attribute) const;
   const char* getAttributeText(size_t element, size_t attribute) const;
   // Whether the attributes were placed, and where one stands (line and column).
-  bool hasPlaces() const { return !mPlaces.empty(); }
+  bool hasPlaces() const { return !mElementPlaces.empty(); }
   std::pair<unsigned int, unsigned int> getAttributePlace(size_t element, size_t attribute) const {
     return mPlaces[mElements[element].firstAttribute + attribute];
+  }
+  std::pair<unsigned int, unsigned int> getElementPlace(size_t element) const {
+    return mElementPlaces[element];
   }
 
 private:
@@ -74,6 +79,7 @@ private:
   std::vector<Attribute> mAttributes;
   // The line and column of each attribute, when they were recorded.
   std::vector<std::pair<unsigned int, unsigned int>> mPlaces;
+  std::vector<std::pair<unsigned int, unsigned int>> mElementPlaces;
   // Attribute texts, each ended by a NUL.
   std::string mTexts;
   // Element and attribute names, each kept once.

@@ -69,6 +69,9 @@ void XmlValueTreeBuilder::addElement(size_t element, const Container* container,
     }
   }
   ValueGroup group(name);
+  if (mSources != 0) {
+    (*mSources)[group.getInstanceId()].emplace_back(element, NO_ATTRIBUTE);
+  }
   if (parent != 0) {
     parent->add(group);
   } else {
