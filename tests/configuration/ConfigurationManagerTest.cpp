@@ -71,7 +71,7 @@ TEST_F(ConfigurationManagerTest, DuplicatesAreAcceptedAndReportedOnLookUp) {
   Specification* first = Factory::createSpecification("tool", "", "", "First", false, m);
   Specification* second = Factory::createSpecification("tool", "", "", "Second", false, m);
   Factory::createSpecification("other", "", "", "Other", false, m);
-  EXPECT_EQ(3u, m->getImpl()->getNumberOfSpecifications());
+  EXPECT_EQ(3u, ids(m->getSpecificationEnumerator()).size());
   EXPECT_EQ("Duplicate specification \"tool\"",
             messageOf([&] { m->getSpecification("tool"); }));
   // Keys are exact: another case is another key.
@@ -89,7 +89,7 @@ TEST_F(ConfigurationManagerTest, DuplicatesAreAcceptedAndReportedOnLookUp) {
   m->registerValueProvider(new LoggedProvider("XML_FILE"));
   EXPECT_EQ("Duplicate provider \"XML_FILE\"",
             messageOf([&] { m->getValueProvider("XML_FILE"); }));
-  EXPECT_EQ(2u, m->getImpl()->getNumberOfValueProviders());
+  EXPECT_EQ(2u, ids(m->getValueProviderEnumerator()).size());
   EXPECT_FALSE(m->unregisterGlobalItem("nosuch"));
 }
 
@@ -142,7 +142,7 @@ TEST_F(ConfigurationManagerTest, ClearCachesDestroysEverythingInItsOrder) {
   EXPECT_EQ((std::vector<std::string>{"provider a-provider", "provider b-provider",
                                       "validator a-validator"}),
             gDestroyed);
-  EXPECT_EQ(0u, m->getImpl()->getNumberOfSpecifications());
+  EXPECT_TRUE(ids(m->getSpecificationEnumerator()).empty());
 
   // What is taken back is the caller's: values bound to it later hold nothing of the registry
   // that was cleared meanwhile.
@@ -191,8 +191,8 @@ TEST_F(ConfigurationManagerTest, ContractsAndDefaultProviderNames) {
   EXPECT_EQ((std::vector<std::string>{"e"}), ids(m->getEnumDefinitionEnumerator()));
   EXPECT_TRUE(m->unregisterEnumDefinition("e"));
   Factory::destroy(e, false, m);
-  EXPECT_EQ(1u, m->getImpl()->getNumberOfValidators());
-  EXPECT_EQ(0u, m->getImpl()->getNumberOfEnumDefinitions());
+  EXPECT_EQ(1u, ids(m->getValidatorEnumerator()).size());
+  EXPECT_TRUE(ids(m->getEnumDefinitionEnumerator()).empty());
   EXPECT_STREQ("", m->composeUsageMessage("nosuch", ""));
 }
 

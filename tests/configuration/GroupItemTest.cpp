@@ -187,9 +187,9 @@ TEST_F(GroupItemTest, ClonesCopyAttributesAndOptionallyChildren) {
   ref(oneOf, "fast");
   ref(oneOf, "safe");
 
-  std::unique_ptr<GroupItem> shallow(Factory::clone(original, false));
+  std::unique_ptr<GroupItem> shallow(original->clone(GroupItem::SHALLOW));
   EXPECT_EQ(0u, static_cast<const Container*>(shallow.get())->getNumberOfItems());
-  std::unique_ptr<GroupItem> deep(Factory::clone(original, true));
+  std::unique_ptr<GroupItem> deep(original->clone(GroupItem::DEEP));
   const Container* deepCopy = static_cast<const Container*>(deep.get());
   ASSERT_EQ(2u, deepCopy->getNumberOfItems());
   const GroupItem* copiedOneOf = deepCopy->getItem(1);
@@ -230,7 +230,7 @@ TEST_F(GroupItemTest, ParameterValueNamesTypeNamesAndDefaults) {
   EXPECT_EQ(3u, plain->getDefaultValue().asUInt32());
   Factory::setDefaultValueFor(own.get(), "7");
   EXPECT_EQ(3u, count->getDefaultValue().asUInt32());
-  std::unique_ptr<GroupItem> clone(Factory::clone(own.get(), true));
+  std::unique_ptr<GroupItem> clone(own->clone(GroupItem::DEEP));
   EXPECT_EQ(7u, static_cast<ParameterRef*>(clone.get())->getDefaultValue().asUInt32());
   Factory::setDefaultValueFor(count, "4");
   EXPECT_EQ(4u, plain->getDefaultValue().asUInt32());
@@ -505,7 +505,6 @@ TEST_F(GroupItemTest, ContractsAndTypeNames) {
   for (const auto& call : contracts) {
     EXPECT_THROW(call(), zelk::ContractViolationException);
   }
-  EXPECT_EQ(nullptr, Factory::clone(nullptr, true));
   Factory::destroy(static_cast<const GroupItem*>(nullptr));
   Factory::destroy(static_cast<Validator*>(nullptr), true, b.manager());
   Group* group = Factory::createGroup("g", "G", b.manager());

@@ -34,7 +34,7 @@ TEST(XmlTokenReaderTest, MatchesWholeNamesOnly) {
   ASSERT_TRUE(reader.acceptNameAndValue("id", id, sizeof id));
   EXPECT_STREQ("x", id);
   EXPECT_TRUE(reader.acceptToken("/>"));
-  EXPECT_TRUE(reader.isEof());
+  EXPECT_TRUE(reader.atEnd());
 }
 
 TEST(XmlTokenReaderTest, DecodesValues) {

@@ -24,6 +24,11 @@
 //   Never caused by user input; not meant to be caught except to report it.
 // - zelk::host::FormattedHostException: a regular expression that does not compile.
 //
+// Where a problem stands in a file is data, not only text: the registry loader and the value-file
+// reader put a SourcePosition (file, line, column, element, attribute) on the
+// ConfigurationException they throw (getPosition) and on each error of a ValidationException
+// (ValidationErrors::getPosition); isKnown() is false where no place applies.
+//
 // The first two derive from the host's exception base, so the host's own error handling can
 // catch and print them. A tool that reports everything it can meet catches ValidationException
 // (to list the problems), then ConfigurationException, then std::exception:

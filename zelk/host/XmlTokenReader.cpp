@@ -708,8 +708,6 @@ bool XmlTokenReader::atEnd() {
   return mPos >= mSize;
 }
 
-bool XmlTokenReader::isEof() const { return mData == nullptr || mPos >= mSize; }
-
 void XmlTokenReader::setErrorText(const char* text) {
   if (text == nullptr || *text == '\0') {
     mErrorText.clear();

@@ -126,8 +126,6 @@ public:
 
   // True at the end of the input (after skipping white space) and whenever the reader is failed.
   bool atEnd();
-  // True when the position is at the end of the input (no skipping).
-  bool isEof() const;
 
   bool hasError() const { return !mErrorText.empty(); }
   // The kept error text; empty when there is none.

@@ -65,6 +65,15 @@ protected:
     return result;
   }
 
+  static size_t globalItemCount(const ConfigurationManager& manager) {
+    std::unique_ptr<IEnumerator<GlobalItem*>> items(manager.getGlobalItemEnumerator());
+    size_t count = 0;
+    for (; items->hasNext(); items->moveNext()) {
+      ++count;
+    }
+    return count;
+  }
+
   static std::string fileEntry(const std::string& path, bool succeeded) {
     return std::string("loadConfigurationFile: [") + (succeeded ? "succeeded" : "failed") +
            "]\n [file = \"" + path + "\"]";
@@ -94,7 +103,7 @@ TEST_F(ConfigurationManagerStartupTest, DiscoveryLoadsTheMainRegistryFirstThenTh
   EXPECT_NE(nullptr, manager.getSpecification("fromA"));
   EXPECT_NE(nullptr, manager.getSpecification("fromB"));
   EXPECT_NE(nullptr, manager.getParameter("other"));
-  EXPECT_EQ(3u, manager.getImpl()->getNumberOfGlobalItems());
+  EXPECT_EQ(3u, globalItemCount(manager));
 }
 
 TEST_F(ConfigurationManagerStartupTest, WithoutTheMainRegistryNothingIsLoaded) {
@@ -105,8 +114,7 @@ TEST_F(ConfigurationManagerStartupTest, WithoutTheMainRegistryNothingIsLoaded) {
   EXPECT_EQ("Unable to find the zelk.crg file.",
             test::messageOf<ConfigurationException>(
                 [&] { manager.loadDefaultConfigurationRegistry(); }));
-  EXPECT_EQ(0u, manager.getImpl()->getNumberOfGlobalItems());
-
+  EXPECT_EQ(0u, globalItemCount(manager));
 }
 
 TEST_F(ConfigurationManagerStartupTest, TheFirstGetInstanceLoadsTheRegistriesOnce) {

@@ -175,10 +175,6 @@ IEnumerator<ValueProvider*>* ConfigurationManagerImpl::getValueProviderEnumerato
   return new ObjectMapEnumeratorAdapter<ValueProviderMap>(mValueProviders);
 }
 
-size_t ConfigurationManagerImpl::getNumberOfValueProviders() const {
-  return mValueProviders.size();
-}
-
 void ConfigurationManagerImpl::addChangeSource(ChangeSource* source) {
   ZELK_CONTRACT(source != 0);
   mChangeSources.push_back(std::unique_ptr<ChangeSource>(source));
@@ -203,8 +199,6 @@ IEnumerator<Validator*>* ConfigurationManagerImpl::getValidatorEnumerator() cons
   return new ObjectMapEnumeratorAdapter<ValidatorMap>(mValidators);
 }
 
-size_t ConfigurationManagerImpl::getNumberOfValidators() const { return mValidators.size(); }
-
 // Global items.
 
 void ConfigurationManagerImpl::registerGlobalItem(GlobalItem* item) {
@@ -226,8 +220,6 @@ IEnumerator<GlobalItem*>* ConfigurationManagerImpl::getGlobalItemEnumerator() co
   return new ObjectMapEnumeratorAdapter<GlobalItemMap>(mGlobalItems);
 }
 
-size_t ConfigurationManagerImpl::getNumberOfGlobalItems() const { return mGlobalItems.size(); }
-
 // Enumeration definitions.
 
 void ConfigurationManagerImpl::registerEnumDefinition(EnumDefinition* enumDefinition) {
@@ -245,10 +237,6 @@ bool ConfigurationManagerImpl::unregisterEnumDefinition(const char* name) {
 
 IEnumerator<EnumDefinition*>* ConfigurationManagerImpl::getEnumDefinitionEnumerator() const {
   return new ObjectMapEnumeratorAdapter<EnumDefinitionMap>(mEnumDefinitions);
-}
-
-size_t ConfigurationManagerImpl::getNumberOfEnumDefinitions() const {
-  return mEnumDefinitions.size();
 }
 
 // Specifications.
@@ -270,10 +258,6 @@ bool ConfigurationManagerImpl::unregisterSpecification(const char* name) {
 
 IEnumerator<Specification*>* ConfigurationManagerImpl::getSpecificationEnumerator() const {
   return new ObjectMapEnumeratorAdapter<SpecificationMap>(mSpecifications);
-}
-
-size_t ConfigurationManagerImpl::getNumberOfSpecifications() const {
-  return mSpecifications.size();
 }
 
 // Start-up and discovery.

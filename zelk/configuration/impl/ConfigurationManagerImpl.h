@@ -65,31 +65,26 @@ public:
   ValueProvider* getValueProvider(const char* name) const;
   bool unregisterValueProvider(const char* name);
   IEnumerator<ValueProvider*>* getValueProviderEnumerator() const;
-  size_t getNumberOfValueProviders() const;
 
   void registerValidator(Validator* validator);
   Validator* getValidator(const char* name) const;
   bool unregisterValidator(const char* name);
   IEnumerator<Validator*>* getValidatorEnumerator() const;
-  size_t getNumberOfValidators() const;
 
   void registerGlobalItem(GlobalItem* item);
   GlobalItem* getGlobalItem(const char* name) const;
   bool unregisterGlobalItem(const char* name);
   IEnumerator<GlobalItem*>* getGlobalItemEnumerator() const;
-  size_t getNumberOfGlobalItems() const;
 
   void registerEnumDefinition(EnumDefinition* enumDefinition);
   EnumDefinition* getEnumDefinition(const char* name) const;
   bool unregisterEnumDefinition(const char* name);
   IEnumerator<EnumDefinition*>* getEnumDefinitionEnumerator() const;
-  size_t getNumberOfEnumDefinitions() const;
 
   void registerSpecification(Specification* specification);
   Specification* getSpecification(const char* name) const;
   bool unregisterSpecification(const char* name);
   IEnumerator<Specification*>* getSpecificationEnumerator() const;
-  size_t getNumberOfSpecifications() const;
 
   // Start-up and discovery.
   void enableConfiguration(bool allowMachineConfig, const char* applicationConfigFile,

@@ -131,13 +131,6 @@ void Factory::copyItemToCollection(GroupItemCollection* collection, const GroupI
   item->copyToCollection(*collection);
 }
 
-GroupItem* Factory::clone(const GroupItem* item, bool deep) {
-  if (item == 0) {
-    return 0;
-  }
-  return item->clone(deep ? GroupItem::DEEP : GroupItem::SHALLOW);
-}
-
 void Factory::destroy(const GroupItem* item) { delete item; }
 
 void Factory::destroy(Specification* specification, bool unregister,

@@ -79,8 +79,6 @@ public:
   static void addItemToGroupItem(GroupItemCollection* collection, GroupItem* item);
   // Adds a deep copy of item to collection. Contracts: neither argument is null (item first).
   static void copyItemToCollection(GroupItemCollection* collection, const GroupItem* item);
-  // A new unattached copy (deep: with copies of all children); null for a null item.
-  static GroupItem* clone(const GroupItem* item, bool deep);
 
   // Calls registerObject(object) and returns object; when that throws, object is deleted and the
   // exception passes on, so a new object is either registered (and owned by its registry) or gone.

@@ -12,8 +12,7 @@ namespace zelk::configuration::impl {
 
 namespace {
 
-const char* const ITEM_TYPE_NAMES[] = {"bounded value", "unbounded value", "bounded value group",
-                                       "unbounded value group"};
+const char* const ITEM_TYPE_NAMES[] = {"bounded value", "unbounded value", "bounded value group"};
 
 std::atomic<uint64_t> gRenameGeneration(0);
 
@@ -102,7 +101,6 @@ void ValueItemState::setGroupItem(const GroupItem* groupItem) {
 }
 
 const char* ValueItemState::getItemTypeName(ValueGroupItem::ItemType type) {
-  // The fourth entry is never returned: the range check below keeps it out on purpose.
   ZELK_CONTRACT(type >= ValueGroupItem::VALUE && type <= ValueGroupItem::VALUE_GROUP);
   return ITEM_TYPE_NAMES[type];
 }
