@@ -40,7 +40,7 @@ public:
 
   // Where each value's entries came from: by the value's instance id, the element and attribute
   // index in the document of each entry, in entry order; for a group, its element and NO_ATTRIBUTE.
-  static const size_t NO_ATTRIBUTE = static_cast<size_t>(-1);
+  static constexpr size_t NO_ATTRIBUTE = static_cast<size_t>(-1);
   typedef std::unordered_map<uint32_t, std::vector<std::pair<size_t, size_t>>> Sources;
   // The same, also telling in sources where each entry of the tree came from.
   static ValueGroup build(const XmlValueDocument& document, const Specification* spec,
