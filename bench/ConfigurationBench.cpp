@@ -6,7 +6,8 @@
 //   W2       W1parse with every flag shortened to its shortest unique prefix (>= 3 characters)
 //   W3       P entries of a value file read, matched, merged and read back (peers: INI in memory)
 //   W4       one typed read of an int32 in a group of 200, by name and through a held value;
-//            W4cachedGroup: one getValueGroup of a specification of 200 whose tree is cached
+//            W4cachedGroup: one getValueGroup of a specification of 200 whose tree is cached;
+//            W4readers: reads by name on 1, 2 and 4 threads while a writer changes the value
 //   W5       start-up over 20 registry files (2000 parameters, 50 specifications) against reading
 //            and tokenizing the same files
 //   W6       re-reading a command line in a running process: a command-line provider registered
@@ -21,6 +22,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include <atomic>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -30,6 +33,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "Installation.h"
@@ -275,8 +279,66 @@ void Ours_W4held(benchmark::State& state) {
   state.counters["checksum"] = static_cast<double>(checksum);
 }
 
-// Calls of getValueGroup per --once run of W4cached, so that the count per call is exact.
+// W4 on several reader threads while another thread changes the value they read every 50 us:
+// each reader reads the int32 by name, with tryGetValue (argument 0) or getValue (argument 1, which
+// also builds the handle and so counts references on the value). Reads per second of all
+// readers together, in wall time.
+struct W4Shared {
+  zc::ValueGroup values;
+  std::string name;
+  std::atomic<bool> writing{false};
+  std::thread writer;
+};
+W4Shared* gW4Shared = nullptr;
+
+void Ours_W4readers(benchmark::State& state) {
+  if (state.thread_index() == 0) {
+    const zc::Specification* spec = nullptr;
+    gW4Shared = new W4Shared;
+    gW4Shared->values = groupOf200(spec);
+    gW4Shared->name = workload(200, 200).names()[W4_PARAMETER];
+    gW4Shared->writing = true;
+    gW4Shared->writer = std::thread([] {
+      const zc::Value written = gW4Shared->values.getValue(gW4Shared->name.c_str());
+      for (int32_t n = 0; gW4Shared->writing; ++n) {
+        written.set(n % 1000);
+        std::this_thread::sleep_for(std::chrono::microseconds(50));
+      }
+    });
+  }
+  const bool handle = state.range(0) != 0;
+  int64_t checksum = 0;
+  for (auto _ : state) {
+    const W4Shared& shared = *gW4Shared;
+    if (handle) {
+      checksum += shared.values.getValue(shared.name.c_str()).asInt32();
+    } else {
+      int32_t value = 0;
+      shared.values.tryGetValue(shared.name.c_str(), value);
+      checksum += value;
+    }
+  }
+  benchmark::DoNotOptimize(checksum);
+  state.SetItemsProcessed(state.iterations());
+  if (state.thread_index() == 0) {
+    gW4Shared->writing = false;
+    gW4Shared->writer.join();
+    delete gW4Shared;
+    gW4Shared = nullptr;
+  }
+}
+
+// Calls of getValueGroup per --once run of W4cached, and reads per --once run of W4byName and
+// W4held, so that the count per call is exact.
 const int W4_CACHED_CALLS = 100000;
+
+// What --once=ours:W4byName and W4held read, prepared outside the measured part.
+struct OnceW4 {
+  zc::ValueGroup values;
+  std::string name;
+  zc::Value held;
+};
+OnceW4* gOnceW4 = nullptr;
 
 // The specification of 200 parameters with its tree in the manager's cache.
 const char* cachedSpecification() {
@@ -927,6 +989,19 @@ extern "C" __attribute__((noinline)) double measuredRun(const std::string& who,
     if (what.compare(0, 2, "W6") == 0) {
       return gReread->run();
     }
+    if (what == "W4byName" || what == "W4held") {
+      int64_t checksum = 0;
+      if (what == "W4held") {
+        for (int i = 0; i < W4_CACHED_CALLS; ++i) {
+          checksum += gOnceW4->held.asInt32();
+        }
+      } else {
+        for (int i = 0; i < W4_CACHED_CALLS; ++i) {
+          checksum += gOnceW4->values.getValue(gOnceW4->name.c_str()).asInt32();
+        }
+      }
+      return static_cast<double>(checksum);
+    }
     if (what == "W4cached") {
       double checksum = 0;
       for (int i = 0; i < W4_CACHED_CALLS; ++i) {
@@ -1008,6 +1083,17 @@ int onceRun(const std::string& spec) {
       registryFileFor(w);
     } else if (what == "W4cached") {
       cachedSpecification();
+    } else if (what == "W4byName" || what == "W4held") {
+      static OnceW4 once;
+      const zc::Specification* spec = nullptr;
+      once.values = groupOf200(spec);
+      once.name = workload(200, 200).names()[W4_PARAMETER];
+      once.held = once.values.getValue(once.name.c_str());
+      // Past the locked look-ups after which the group answers without its lock.
+      for (int i = 0; i < 1000; ++i) {
+        once.values.getValue(once.name.c_str()).asInt32();
+      }
+      gOnceW4 = &once;
     } else {
       ensureLoaded(w);
     }
@@ -1029,6 +1115,7 @@ BENCHMARK(Ours_W3valueFile)->Apply(sizedFiles);
 BENCHMARK(Ours_W4byName);
 BENCHMARK(Ours_W4held);
 BENCHMARK(Ours_W4cachedGroup);
+BENCHMARK(Ours_W4readers)->Arg(0)->Arg(1)->Threads(1)->Threads(2)->Threads(4)->UseRealTime();
 BENCHMARK(Ours_W5startup)->Unit(benchmark::kMicrosecond);
 BENCHMARK(Floor_W5startup)->Unit(benchmark::kMicrosecond);
 BENCHMARK_TEMPLATE(Ours_W6reread, Reread::CLI)->Name("Ours_W6reread")->Apply(sized);

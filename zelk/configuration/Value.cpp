@@ -2,6 +2,7 @@
 
 #include <boost/make_shared.hpp>
 
+#include "zelk/configuration/Parameter.h"
 #include "zelk/configuration/ParameterRef.h"
 #include "zelk/configuration/ValueGroupItemVisitor.h"
 #include "zelk/configuration/impl/ValueState.h"
@@ -55,13 +56,32 @@ bool Value::accept(ValueGroupItemVisitor& visitor) const {
   return visitor.visitValue(const_cast<Value&>(*this));
 }
 
-bool Value::asBool() const { return getValueState().asBool(0); }
-int32_t Value::asInt32() const { return getValueState().asInt32(0); }
-uint32_t Value::asUInt32() const { return getValueState().asUInt32(0); }
-int64_t Value::asInt64() const { return getValueState().asInt64(0); }
-uint64_t Value::asUInt64() const { return getValueState().asUInt64(0); }
-double Value::asDouble() const { return getValueState().asDouble(0); }
-ObjectId Value::asOID() const { return getValueState().asOID(0); }
+// A held value read again is answered here from the state's converted-value cache, without a
+// further call; anything else (first read, other type, null handle) takes the full read, which
+// converts, checks and throws.
+template <typename T>
+T Value::readFirst(int type, T (impl::ValueState::*read)(size_t) const) const {
+  const impl::ValueItemState* state = peekState().get();
+  if (state != 0) {
+    T value;
+    if (static_cast<const impl::ValueState*>(state)->readCached(type, value)) {
+      return value;
+    }
+  }
+  return (getValueState().*read)(0);
+}
+
+bool Value::asBool() const { return readFirst(Parameter::BOOL, &impl::ValueState::asBool); }
+int32_t Value::asInt32() const { return readFirst(Parameter::INT32, &impl::ValueState::asInt32); }
+uint32_t Value::asUInt32() const {
+  return readFirst(Parameter::UINT32, &impl::ValueState::asUInt32);
+}
+int64_t Value::asInt64() const { return readFirst(Parameter::INT64, &impl::ValueState::asInt64); }
+uint64_t Value::asUInt64() const {
+  return readFirst(Parameter::UINT64, &impl::ValueState::asUInt64);
+}
+double Value::asDouble() const { return readFirst(Parameter::DOUBLE, &impl::ValueState::asDouble); }
+ObjectId Value::asOID() const { return readFirst(Parameter::OID, &impl::ValueState::asOID); }
 std::string Value::asString() const { return getValueState().asString(0); }
 
 int32_t Value::asEnum() const {

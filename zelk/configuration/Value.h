@@ -12,6 +12,7 @@
 //   }
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -89,6 +90,10 @@ public:
 private:
   template <typename T>
   void setValue(const T& value);
+  // The typed read of the first text: read (ValueState::asInt32 and the like) unless the cache
+  // answers for type.
+  template <typename T>
+  T readFirst(int type, T (impl::ValueState::*read)(size_t) const) const;
 };
 
 }  // namespace zelk::configuration

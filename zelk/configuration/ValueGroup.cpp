@@ -141,8 +141,7 @@ ValueGroupItem& ValueGroup::add(ValueGroupItem& item) {
         listeners->broadcastValueAdded(value.getParameterRef(), ValueAddedArguments(&value));
       } else {
         const ValueGroup& group = static_cast<const ValueGroup&>(item);
-        listeners->broadcastValueGroupAdded(group.getContainer(),
-                                            ValueGroupAddedArguments(&group));
+        listeners->broadcastValueGroupAdded(group.getContainer(), ValueGroupAddedArguments(&group));
       }
     }
   }
@@ -156,8 +155,7 @@ void announceRemoval(const boost::shared_ptr<impl::ValueItemState>& removed) {
   impl::ListenerManager* listeners = impl::ListenerManager::getInstance();
   if (removed->isValueGroup()) {
     const ValueGroup group(boost::static_pointer_cast<impl::ValueGroupState>(removed));
-    listeners->broadcastValueGroupRemoved(group.getContainer(),
-                                          ValueGroupRemovedArguments(&group));
+    listeners->broadcastValueGroupRemoved(group.getContainer(), ValueGroupRemovedArguments(&group));
   } else {
     const boost::shared_ptr<impl::ValueState> state =
         boost::static_pointer_cast<impl::ValueState>(removed);
@@ -278,7 +276,7 @@ ValueGroup ValueGroup::getValueGroup(const char* name, ValidationErrors* errors,
 }
 
 boost::shared_ptr<ValueBase> ValueGroup::findValueBase(const char* name,
-                                                      ValidationErrors* errors) const {
+                                                       ValidationErrors* errors) const {
   const boost::shared_ptr<impl::ValueItemState> item = getGroupState().findItem(name);
   if (!item) {
     return boost::shared_ptr<ValueBase>();
@@ -304,56 +302,48 @@ boost::shared_ptr<ValueGroup> ValueGroup::findValueGroup(const char* name,
       new ValueGroup(boost::static_pointer_cast<impl::ValueGroupState>(item)));
 }
 
-boost::shared_ptr<impl::ValueState> ValueGroup::findValueState(const char* name,
-                                                               size_t index) const {
-  return getGroupState().findValueState(name, index);
-}
-
 namespace {
 
-// Reads entry index of state into out with the typed read Read; false when there is no state.
+// Reads entry index of the value named name in state into out with the typed read Read; false
+// when there is no such value.
 template <typename T, T (impl::ValueState::*Read)(size_t) const>
-bool readEntry(const boost::shared_ptr<impl::ValueState>& state, size_t index, T& out) {
-  if (!state) {
-    return false;
-  }
-  out = ((*state).*Read)(index);
-  return true;
+bool readEntry(const impl::ValueGroupState& state, const char* name, size_t index, T& out) {
+  return state.readValue(name, index,
+                         [&](const impl::ValueState& value) { out = (value.*Read)(index); });
 }
 
 }  // namespace
 
 bool ValueGroup::tryGetValue(const char* name, bool& out, size_t index) const {
-  return readEntry<bool, &impl::ValueState::asBool>(findValueState(name, index), index, out);
+  return readEntry<bool, &impl::ValueState::asBool>(getGroupState(), name, index, out);
 }
 
 bool ValueGroup::tryGetValue(const char* name, int32_t& out, size_t index) const {
-  return readEntry<int32_t, &impl::ValueState::asInt32>(findValueState(name, index), index, out);
+  return readEntry<int32_t, &impl::ValueState::asInt32>(getGroupState(), name, index, out);
 }
 
 bool ValueGroup::tryGetValue(const char* name, uint32_t& out, size_t index) const {
-  return readEntry<uint32_t, &impl::ValueState::asUInt32>(findValueState(name, index), index, out);
+  return readEntry<uint32_t, &impl::ValueState::asUInt32>(getGroupState(), name, index, out);
 }
 
 bool ValueGroup::tryGetValue(const char* name, int64_t& out, size_t index) const {
-  return readEntry<int64_t, &impl::ValueState::asInt64>(findValueState(name, index), index, out);
+  return readEntry<int64_t, &impl::ValueState::asInt64>(getGroupState(), name, index, out);
 }
 
 bool ValueGroup::tryGetValue(const char* name, uint64_t& out, size_t index) const {
-  return readEntry<uint64_t, &impl::ValueState::asUInt64>(findValueState(name, index), index, out);
+  return readEntry<uint64_t, &impl::ValueState::asUInt64>(getGroupState(), name, index, out);
 }
 
 bool ValueGroup::tryGetValue(const char* name, double& out, size_t index) const {
-  return readEntry<double, &impl::ValueState::asDouble>(findValueState(name, index), index, out);
+  return readEntry<double, &impl::ValueState::asDouble>(getGroupState(), name, index, out);
 }
 
 bool ValueGroup::tryGetValue(const char* name, ObjectId& out, size_t index) const {
-  return readEntry<ObjectId, &impl::ValueState::asOID>(findValueState(name, index), index, out);
+  return readEntry<ObjectId, &impl::ValueState::asOID>(getGroupState(), name, index, out);
 }
 
 bool ValueGroup::tryGetValue(const char* name, std::string& out, size_t index) const {
-  return readEntry<std::string, &impl::ValueState::asString>(findValueState(name, index), index,
-                                                             out);
+  return readEntry<std::string, &impl::ValueState::asString>(getGroupState(), name, index, out);
 }
 
 bool ValueGroup::tryGetValue(const char* name, char*& out, size_t index) const {
@@ -366,16 +356,10 @@ bool ValueGroup::tryGetValue(const char* name, char*& out, size_t index) const {
 }
 
 bool ValueGroup::tryGetValue(const char* name, const char*& out, size_t index) const {
-  const boost::shared_ptr<impl::ValueState> state = findValueState(name, index);
-  if (!state) {
-    return false;
-  }
-  if (state->getValueType() == Parameter::BOOL) {
-    out = state->asBool(index) ? "true" : "false";
-  } else {
-    out = state->getTextPointer(index);
-  }
-  return true;
+  return getGroupState().readValue(name, index, [&](const impl::ValueState& value) {
+    out = value.getValueType() == Parameter::BOOL ? (value.asBool(index) ? "true" : "false")
+                                                  : value.getTextPointer(index);
+  });
 }
 
 Value ValueGroup::addValue(const char* name, const char* text) {

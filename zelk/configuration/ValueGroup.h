@@ -158,8 +158,6 @@ protected:
   boost::shared_ptr<impl::ValueGroupState> getGroupStatePointer() const;
 
 private:
-  // The state of the first value named name with at least index entries, or empty.
-  boost::shared_ptr<impl::ValueState> findValueState(const char* name, size_t index) const;
   // Reports that name is not an item of the expected type.
   void unexpectedType(const char* name, ValidationErrors* errors, ItemType expected) const;
 };

@@ -21,13 +21,31 @@ uint64_t foldWord(uint64_t word) {
   return word | (capitals >> 2);
 }
 
-// The eight bytes of text at offset, zero-padded past length; whole words are one load.
-uint64_t wordAt(const char* text, size_t offset, size_t length) {
+// The eight bytes of text at offset, zero-padded past length, the first byte lowest. Every load
+// stays inside the text: a short tail of a text of eight bytes or more is the end of the text's
+// last eight bytes, a shorter one two overlapping loads (a memcpy of a variable length would be a
+// library call, costlier than the rest of a short name's hash).
+inline uint64_t wordAt(const char* text, size_t offset, size_t length) {
+  const size_t left = length - offset;
   uint64_t word = 0;
-  if (length - offset >= 8) {
+  if (left >= 8) {
     std::memcpy(&word, text + offset, 8);
-  } else {
-    std::memcpy(&word, text + offset, length - offset);
+    return word;
+  }
+  if (length >= 8) {
+    std::memcpy(&word, text + length - 8, 8);
+    return word >> (8 * (8 - left));
+  }
+  if (left >= 4) {
+    uint32_t low = 0;
+    uint32_t high = 0;
+    std::memcpy(&low, text + offset, 4);
+    std::memcpy(&high, text + offset + left - 4, 4);
+    // The overlapping bytes are the same bytes in the same places.
+    return low | (static_cast<uint64_t>(high) << (8 * (left - 4)));
+  }
+  for (size_t i = 0; i < left; ++i) {
+    word |= static_cast<uint64_t>(static_cast<unsigned char>(text[offset + i])) << (8 * i);
   }
   return word;
 }
@@ -38,10 +56,15 @@ uint64_t caseInsensitiveHash(const char* text) {
   if (text == 0) {
     return 0;
   }
-  const size_t length = std::strlen(text);
+  return caseInsensitiveHash(text, std::strlen(text));
+}
+
+uint64_t caseInsensitiveHash(const char* text, size_t length) {
   uint64_t hash = 14695981039346656037ULL ^ length;
   for (size_t offset = 0; offset < length; offset += 8) {
-    hash = (hash ^ foldWord(wordAt(text, offset, length))) * 0x9E3779B97F4A7C15ULL;
+    // Setting every byte's 0x20 bit folds 'A'..'Z' to lower case in two operations; the few other
+    // bytes it pairs (such as '-' with '\r') only collide, and the comparison tells them apart.
+    hash = (hash ^ (wordAt(text, offset, length) | 0x20 * ONES)) * 0x9E3779B97F4A7C15ULL;
     hash ^= hash >> 29;
   }
   return hash;
@@ -52,9 +75,10 @@ bool caseInsensitiveEqual(const char* a, const char* b) {
     return a == b;
   }
   const size_t length = std::strlen(a);
-  if (std::strlen(b) != length) {
-    return false;
-  }
+  return std::strlen(b) == length && caseInsensitiveEqual(a, b, length);
+}
+
+bool caseInsensitiveEqual(const char* a, const char* b, size_t length) {
   for (size_t offset = 0; offset < length; offset += 8) {
     const uint64_t x = wordAt(a, offset, length);
     const uint64_t y = wordAt(b, offset, length);

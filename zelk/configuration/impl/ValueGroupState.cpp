@@ -1,6 +1,7 @@
 #include "zelk/configuration/impl/ValueGroupState.h"
 
 #include <algorithm>
+#include <new>
 #include <stdexcept>
 #include <string>
 
@@ -17,8 +18,29 @@ namespace zelk::configuration::impl {
 
 namespace {
 
-// Groups smaller than this are scanned: building a hash index would cost more than it saves.
-const size_t INDEX_THRESHOLD = 16;
+const size_t INDEX_THRESHOLD = ValueGroupSnapshot::INDEX_THRESHOLD;
+
+// Locked look-ups by name, without a change between them, after which a group of count items
+// publishes a snapshot: building one costs about a look-up per item, so waiting for a quarter of
+// the item count keeps the building linear in the look-ups even when changes and look-ups
+// alternate.
+uint32_t lookUpsBeforeSnapshot(size_t count) {
+  return static_cast<uint32_t>(std::min<size_t>(std::max<size_t>(4, count / 4), UINT32_MAX));
+}
+
+// Retires a withdrawn snapshot when it goes out of scope: declared before the lock guard, it
+// runs after the lock is released, so that items the snapshot alone held die outside the lock.
+class SnapshotRetirement {
+public:
+  SnapshotRetirement() = default;
+  SnapshotRetirement(const SnapshotRetirement&) = delete;
+  SnapshotRetirement& operator=(const SnapshotRetirement&) = delete;
+  ~SnapshotRetirement() { ReadEpoch::retire(mSnapshot, &ValueGroupSnapshot::destroy); }
+  void take(const ValueGroupSnapshot* snapshot) { mSnapshot = snapshot; }
+
+private:
+  const ValueGroupSnapshot* mSnapshot = nullptr;
+};
 
 }  // namespace
 
@@ -40,7 +62,8 @@ ValueGroupState::ValueGroupState(const ValueGroupState& other)
       boost::enable_shared_from_this<ValueGroupState>(),
       mComplete(other.isComplete()) {}
 
-ValueGroupState::~ValueGroupState() {}
+// No reader can be inside this group's snapshot: each holds a handle on the group.
+ValueGroupState::~ValueGroupState() { delete mSnapshot.load(); }
 
 bool ValueGroupState::isUnbounded() const {
   // An unmatched group counts as unbounded by design.
@@ -68,7 +91,9 @@ boost::shared_ptr<ValueItemState> ValueGroupState::clone(int shallow) const {
 void ValueGroupState::reset() {
   Items items;
   {
+    SnapshotRetirement retirement;
     WriteGuard lock(mMutex);
+    retirement.take(withdrawSnapshot());
     items.swap(mItems);
     rebuildIndex();
   }
@@ -174,26 +199,96 @@ boost::shared_ptr<ValueItemState> ValueGroupState::tryGetItem(size_t index) cons
 
 boost::shared_ptr<ValueItemState> ValueGroupState::findItem(const char* name) const {
   ZELK_CONTRACT(name != 0);
+  {
+    ReadEpoch::Section section;
+    const ValueGroupSnapshot* snapshot = section.isActive() ? currentSnapshot() : nullptr;
+    if (snapshot != nullptr) {
+      const boost::shared_ptr<ValueItemState>* item = snapshot->find(name);
+      return item != nullptr ? *item : boost::shared_ptr<ValueItemState>();
+    }
+  }
+  return findItemLocked(name);
+}
+
+boost::shared_ptr<ValueItemState> ValueGroupState::findItemLocked(const char* name) const {
   ReadGuard lock(mMutex);
   const size_t index = findIndex(name);
+  if (mLockedReads.fetch_add(1, std::memory_order_relaxed) + 1 >=
+      lookUpsBeforeSnapshot(mItems.size())) {
+    publishSnapshot();
+  }
   if (index == mItems.size()) {
     return boost::shared_ptr<ValueItemState>();
   }
   return mItems[index];
 }
 
-boost::shared_ptr<ValueState> ValueGroupState::findValueState(const char* name,
-                                                              size_t index) const {
-  const boost::shared_ptr<ValueItemState> item = findItem(name);
-  if (!item || !item->isValue()) {
-    return boost::shared_ptr<ValueState>();
+const ValueGroupSnapshot* ValueGroupState::currentSnapshot() const {
+  const ValueGroupSnapshot* snapshot = mSnapshot.load();
+  if (snapshot == nullptr || snapshot->getRenameGeneration() != getRenameGeneration() ||
+      snapshot->getGroupRenames() != mRenames.load(std::memory_order_acquire)) {
+    return nullptr;
   }
-  boost::shared_ptr<ValueState> value = boost::static_pointer_cast<ValueState>(item);
+  return snapshot;
+}
+
+bool ValueGroupState::hasCurrentSnapshot() const {
+  ReadEpoch::Section section;
+  return section.isActive() && currentSnapshot() != nullptr;
+}
+
+void ValueGroupState::publishSnapshot() const {
+  if (mItems.size() >= UINT32_MAX) {
+    return;  // positions are 32 bits; such a group stays with the lock
+  }
+  // The section keeps a stale snapshot that another reader replaces alive while it is looked at.
+  ReadEpoch::Section section;
+  if (!section.isActive() || currentSnapshot() != nullptr) {
+    mLockedReads.store(0, std::memory_order_relaxed);
+    return;  // a thread without a reader slot could not use it; or one is published already
+  }
+  // The counters are read before the copy: a rename during it makes the snapshot stale at once.
+  const uint64_t generation = getRenameGeneration();
+  const uint64_t renames = mRenames.load(std::memory_order_acquire);
+  const ValueGroupSnapshot* fresh;
+  try {
+    fresh = new ValueGroupSnapshot(mItems, generation, renames);
+  } catch (const std::bad_alloc&) {
+    return;  // the look-ups keep the lock
+  }
+  mLockedReads.store(0, std::memory_order_relaxed);
+  const ValueGroupSnapshot* previous = mSnapshot.load();
+  if (mSnapshot.compare_exchange_strong(previous, fresh)) {
+    ReadEpoch::retire(previous, &ValueGroupSnapshot::destroy);  // one made stale by a rename
+  } else {
+    delete fresh;  // another reader published first
+  }
+}
+
+const ValueGroupSnapshot* ValueGroupState::withdrawSnapshot() {
+  mLockedReads.store(0, std::memory_order_relaxed);
+  return mSnapshot.exchange(nullptr);
+}
+
+const ValueState* ValueGroupState::valueWithIndex(const ValueItemState* item, size_t index) {
+  if (item == nullptr || !item->isValue()) {
+    return nullptr;
+  }
+  const ValueState* value = static_cast<const ValueState*>(item);
   // Deliberately count >= index: an index equal to the count passes here and fails in the read.
-  if (value->getValueCount() < index) {
+  if (index > 0 && value->getValueCount() < index) {
     throw std::out_of_range("Index " + std::to_string(index) + " is out of range");
   }
   return value;
+}
+
+boost::shared_ptr<ValueState> ValueGroupState::findValueState(const char* name,
+                                                              size_t index) const {
+  const boost::shared_ptr<ValueItemState> item = findItem(name);
+  if (valueWithIndex(item.get(), index) == nullptr) {
+    return boost::shared_ptr<ValueState>();
+  }
+  return boost::static_pointer_cast<ValueState>(item);
 }
 
 ValueGroupState::Items ValueGroupState::getItems() const {
@@ -220,6 +315,7 @@ void ValueGroupState::add(const boost::shared_ptr<ValueItemState>& toAdd) {
   }
   boost::shared_ptr<ValueItemState> existing;
   {
+    SnapshotRetirement retirement;
     WriteGuard lock(mMutex);
     if (toAdd->isValue()) {
       const size_t index = findIndex(toAdd->getName());
@@ -228,6 +324,7 @@ void ValueGroupState::add(const boost::shared_ptr<ValueItemState>& toAdd) {
       }
     }
     if (!existing) {
+      retirement.take(withdrawSnapshot());
       mItems.push_back(toAdd);
       indexAppended(mItems.size() - 1);
       return;
@@ -240,12 +337,14 @@ void ValueGroupState::add(const boost::shared_ptr<ValueItemState>& toAdd) {
 
 boost::shared_ptr<ValueItemState> ValueGroupState::remove(const char* name) {
   ZELK_CONTRACT(name != 0 && *name != '\0');
+  SnapshotRetirement retirement;
   UpgradeGuard lock(mMutex);
   const size_t index = findIndex(name);
   if (index == mItems.size()) {
     return boost::shared_ptr<ValueItemState>();
   }
   UpgradeGuard::Exclusive exclusive(lock);
+  retirement.take(withdrawSnapshot());
   boost::shared_ptr<ValueItemState> removed = mItems[index];
   mItems.erase(mItems.begin() + static_cast<std::ptrdiff_t>(index));
   // Positions after the removed item moved; erasing was linear already, so is the rebuild.
@@ -254,8 +353,10 @@ boost::shared_ptr<ValueItemState> ValueGroupState::remove(const char* name) {
 }
 
 boost::shared_ptr<ValueItemState> ValueGroupState::remove(size_t index) {
+  SnapshotRetirement retirement;
   WriteGuard lock(mMutex);
   ZELK_CONTRACT(index < mItems.size());
+  retirement.take(withdrawSnapshot());
   boost::shared_ptr<ValueItemState> removed = mItems[index];
   mItems.erase(mItems.begin() + static_cast<std::ptrdiff_t>(index));
   // Positions after the removed item moved; erasing was linear already, so is the rebuild.
@@ -266,7 +367,9 @@ boost::shared_ptr<ValueItemState> ValueGroupState::remove(size_t index) {
 void ValueGroupState::clear() {
   Items items;
   {
+    SnapshotRetirement retirement;
     WriteGuard lock(mMutex);
+    retirement.take(withdrawSnapshot());
     items.swap(mItems);
     rebuildIndex();
   }

@@ -3,7 +3,10 @@
 //
 // Made only through create() (children keep a weak pointer to their group, taken from
 // shared_from_this). Readers take the group's mutex shared, writers exclusively; no lock is held
-// while another group's state is called, except the source's lock in clone().
+// while another group's state is called, except the source's lock in clone(). Look-ups by name
+// (findItem, findValueState, readValue) take no lock at all once the group publishes a snapshot
+// of its items (see ValueGroupSnapshot): after a run of locked look-ups in which it did not
+// change. Every change of the items withdraws the snapshot under the exclusive lock.
 //
 //   boost::shared_ptr<impl::ValueGroupState> root = impl::ValueGroupState::create("root");
 //   ValueGroup group(root);
@@ -18,8 +21,10 @@
 #include <boost/enable_shared_from_this.hpp>
 #include <boost/shared_ptr.hpp>
 
+#include "zelk/configuration/impl/ValueGroupSnapshot.h"
 #include "zelk/configuration/impl/ValueItemState.h"
 #include "zelk/configuration/impl/ValueLocks.h"
+#include "zelk/util/ReadEpoch.h"
 
 namespace zelk::configuration {
 class Container;
@@ -64,6 +69,31 @@ public:
   // The value named name if it holds at least index texts; std::out_of_range "Index <i> is out of
   // range" when it holds fewer; empty when there is no value of that name.
   boost::shared_ptr<ValueState> findValueState(const char* name, size_t index) const;
+  // Calls read(value) with the value that findValueState(name, index) would find and returns
+  // true, or returns false when there is none (throwing as findValueState). The value stays alive
+  // until read returns, without a reference count taken while the snapshot answers.
+  template <typename Read>
+  bool readValue(const char* name, size_t index, Read&& read) const {
+    {
+      ReadEpoch::Section section;
+      const ValueGroupSnapshot* snapshot = section.isActive() ? currentSnapshot() : nullptr;
+      if (snapshot != nullptr) {
+        const boost::shared_ptr<ValueItemState>* item = snapshot->find(name);
+        const ValueState* value = valueWithIndex(item != nullptr ? item->get() : nullptr, index);
+        if (value == nullptr) {
+          return false;
+        }
+        read(*value);
+        return true;
+      }
+    }
+    const boost::shared_ptr<ValueState> value = findValueState(name, index);
+    if (!value) {
+      return false;
+    }
+    read(*value);
+    return true;
+  }
   // A snapshot of the items, in order.
   Items getItems() const;
   // The item at index, or empty when index is not below the item count.
@@ -89,6 +119,9 @@ public:
   // Whether look-ups by name answer from the name index: the group is large enough to have one,
   // and no item it may hold was renamed since it was built.
   bool hasCurrentIndex() const;
+  // Whether look-ups by name answer without the lock: a snapshot is published and no item was
+  // renamed since it was built.
+  bool hasCurrentSnapshot() const;
   // Called by an item of this group whose name changed: look-ups scan until the next change of
   // the group rebuilds the index. Takes no lock.
   void noteItemRenamed() { mRenames.fetch_add(1, std::memory_order_acq_rel); }
@@ -117,6 +150,19 @@ private:
   void rebuildIndex();
   // Whether the name index may answer look-ups: built, and no item renamed since.
   bool indexIsCurrent() const;
+  // findItem under the shared lock; publishes a snapshot after enough such look-ups.
+  boost::shared_ptr<ValueItemState> findItemLocked(const char* name) const;
+  // The published snapshot when no item was renamed since it was built, else null; the caller
+  // is inside a ReadEpoch::Section.
+  const ValueGroupSnapshot* currentSnapshot() const;
+  // Builds and publishes a snapshot of the items; the caller holds mMutex shared or exclusive.
+  void publishSnapshot() const;
+  // Withdraws the published snapshot; the caller holds mMutex exclusively and retires the result
+  // (see SnapshotRetirement in the source) once it has released the lock.
+  const ValueGroupSnapshot* withdrawSnapshot();
+  // item as a value holding at least index texts (std::out_of_range otherwise), or null when it
+  // is no value.
+  static const ValueState* valueWithIndex(const ValueItemState* item, size_t index);
 
   mutable StateMutex mMutex;
   Items mItems;
@@ -132,6 +178,13 @@ private:
   uint64_t mIndexGeneration = 0;
   uint64_t mIndexRenames = 0;
   std::atomic<uint64_t> mRenames{0};
+
+  // What readers search without the lock, or null (see ValueGroupSnapshot). Published under the
+  // shared lock (compare-and-swap among readers), withdrawn under the exclusive lock; an old one
+  // is retired through ReadEpoch.
+  mutable std::atomic<const ValueGroupSnapshot*> mSnapshot{nullptr};
+  // Locked look-ups by name since the items last changed or a snapshot was published.
+  mutable std::atomic<uint32_t> mLockedReads{0};
 };
 
 }  // namespace zelk::configuration::impl

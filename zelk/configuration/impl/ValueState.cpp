@@ -42,16 +42,6 @@ std::string allowedSymbols(const EnumDefinition& enumDef) {
   return list;
 }
 
-const uint64_t CACHE_VALID = 1;
-const uint64_t CACHE_BUSY = 2;
-const uint64_t CACHE_KEY_MASK = 0xFF;
-const uint64_t CACHE_GENERATION = 0x100;
-
-// The low byte of a valid tag for a conversion to type.
-uint64_t cacheKey(int type) { return (static_cast<uint64_t>(type + 1) << 2) | CACHE_VALID; }
-
-// The next generation after tag, with nothing else set.
-uint64_t nextGeneration(uint64_t tag) { return (tag & ~CACHE_KEY_MASK) + CACHE_GENERATION; }
 
 template <typename T>
 uint64_t toBits(const T& value) {
@@ -62,12 +52,6 @@ uint64_t toBits(const T& value) {
   return bits;
 }
 
-template <typename T>
-T fromBits(uint64_t bits) {
-  T value;
-  std::memcpy(static_cast<void*>(&value), &bits, sizeof(T));
-  return value;
-}
 
 }  // namespace
 
@@ -223,6 +207,11 @@ const std::string& ValueState::textAt(size_t index) const {
   return mTexts[index];
 }
 
+// The next generation after tag, with nothing else set.
+uint64_t ValueState::nextGeneration(uint64_t tag) {
+  return (tag & ~CACHE_KEY_MASK) + CACHE_GENERATION;
+}
+
 void ValueState::fillCache(int type, uint64_t bits) const {
   uint64_t tag = mCacheTag.load();
   if ((tag & CACHE_BUSY) != 0) {
@@ -247,17 +236,12 @@ void ValueState::invalidateCache() { mCacheTag.store(nextGeneration(mCacheTag.lo
 template <typename T>
 T ValueState::readTyped(int type, T (*conversion)(const char*, ValidationErrors*),
                         size_t index) const {
+  T value;
+  if (index == 0 && readCached(type, value)) {
+    return value;
+  }
   if (mValueType != type && mValueType != UNTYPED) {
     throwInvalidType(type);
-  }
-  if (index == 0) {
-    const uint64_t tag = mCacheTag.load();
-    if ((tag & CACHE_KEY_MASK) == cacheKey(type)) {
-      const uint64_t bits = mCacheBits.load();
-      if (mCacheTag.load() == tag) {
-        return fromBits<T>(bits);
-      }
-    }
   }
   return readConverted(type, conversion, index);
 }

@@ -13,7 +13,9 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include <boost/shared_ptr.hpp>
@@ -94,6 +96,27 @@ public:
   const char* getTextPointer(size_t index) const;
   // A copy of every text.
   std::vector<std::string> getTexts() const;
+  // The typed read of the first text when the converted-value cache holds it for type and the
+  // value is of that type (or untyped): out is set without a lock or a call. Otherwise false, and
+  // the caller makes the full read (asInt32(0) and the like), which converts, checks and throws.
+  template <typename T>
+  bool readCached(int type, T& out) const {
+    static_assert(sizeof(T) <= sizeof(uint64_t) && std::is_trivially_copyable<T>::value,
+                  "a cached value fits one word");
+    if (mValueType != type && mValueType != UNTYPED) {
+      return false;
+    }
+    const uint64_t tag = mCacheTag.load();
+    if ((tag & CACHE_KEY_MASK) != cacheKey(type)) {
+      return false;
+    }
+    const uint64_t bits = mCacheBits.load();
+    if (mCacheTag.load() != tag) {
+      return false;  // published or dropped meanwhile
+    }
+    std::memcpy(static_cast<void*>(&out), &bits, sizeof(T));
+    return true;
+  }
   // The number of an enumeration symbol; ConfigurationException "Unknown enumeration type for
   // value '%s'" without an enumeration.
   int32_t getEnumValue(const char* text) const;
@@ -160,6 +183,18 @@ private:
   void fillCache(int type, uint64_t bits) const;
   // Drops the cached conversion; the caller holds mMutex exclusively, after changing the texts.
   void invalidateCache();
+
+  // The parts of mCacheTag (see there).
+  static constexpr uint64_t CACHE_VALID = 1;
+  static constexpr uint64_t CACHE_BUSY = 2;
+  static constexpr uint64_t CACHE_KEY_MASK = 0xFF;
+  static constexpr uint64_t CACHE_GENERATION = 0x100;
+  // The low byte of a valid tag for a conversion to type.
+  static constexpr uint64_t cacheKey(int type) {
+    return (static_cast<uint64_t>(type + 1) << 2) | CACHE_VALID;
+  }
+  // The next generation after tag, with nothing else set.
+  static uint64_t nextGeneration(uint64_t tag);
 
   mutable StateMutex mMutex;
   const Parameter* mDefaultParameter;
