@@ -299,7 +299,7 @@ void Ours_W4readers(benchmark::State& state) {
     gW4Shared->name = workload(200, 200).names()[W4_PARAMETER];
     gW4Shared->writing = true;
     gW4Shared->writer = std::thread([] {
-      const zc::Value written = gW4Shared->values.getValue(gW4Shared->name.c_str());
+      zc::Value written = gW4Shared->values.getValue(gW4Shared->name.c_str());
       for (int32_t n = 0; gW4Shared->writing; ++n) {
         written.set(n % 1000);
         std::this_thread::sleep_for(std::chrono::microseconds(50));
