@@ -69,7 +69,7 @@ private:
     std::string value;
   };
   // The most attributes an element accepts.
-  static const std::size_t MAX_ATTRIBUTES = 8;
+  static constexpr std::size_t MAX_ATTRIBUTES = 8;
 
   void readDocument();
   // Reads one element with read, whose opening "<name" was taken at byte offset start: any error
